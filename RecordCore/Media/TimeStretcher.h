@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <vector>
+
+namespace RecordCore {
+
+/// Changes how long sound lasts and keeps its pitch. 48 kHz stereo, interleaved floats.
+class TimeStretcher {
+public:
+    virtual ~TimeStretcher() = default;
+
+    /// Stretches `input` to exactly `outputFrames` frames. One call is one continuous stretch of sound.
+    virtual std::vector<float> stretch(std::span<const float> input, std::int64_t outputFrames) = 0;
+};
+
+} // namespace RecordCore

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "RecordCore/Media/StreamDescription.h"
+#include "RecordCore/Model/PictureView.h"
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+namespace RecordCore {
+
+/// What an encoder is to make. The film is always tagged BT.709, video range.
+struct VideoSettings {
+    Codec codec = Codec::h264;
+    int width = 0;  ///< even
+    int height = 0; ///< even
+    TimeBase timeBase{1, 60};
+    double frameRate = 60;    ///< expected rate
+    std::int64_t bitrate = 0; ///< average, bits per second
+    int keyInterval = 120;    ///< most frames from key frame to key frame
+    bool realTime = false;    ///< low delay and no reordering (capture), else best quality (film)
+    std::string preset;       ///< the encoder's own preset name; empty: the default for the use
+    int threads = 0;          ///< 0: as many as suit the machine
+};
+
+/// What the caller knows about a frame; everything is optional.
+struct FrameHints {
+    bool keyFrame = false; ///< make this a key frame
+    /// One byte per 16×16 macroblock, row by row, not 0 where the picture may differ from the frame before;
+    /// empty: unknown.
+    std::span<const std::uint8_t> changedBlocks;
+};
+
+/// Encodes pictures into packets that go to the sink given when the encoder was made. One thread at a time.
+/// Throws RecordingError.
+class VideoEncoder {
+public:
+    virtual ~VideoEncoder() = default;
+
+    /// Complete from the start (parameter sets included).
+    virtual const StreamDescription& description() const = 0;
+
+    /// The picture is copied or consumed before the call returns. Times rise strictly.
+    virtual void encode(const PlanarView& picture, std::int64_t pts, const FrameHints& hints = {}) = 0;
+
+    /// A frame that equals the one before, to the pixel.
+    virtual void repeat(std::int64_t pts) = 0;
+
+    /// Delivers what is still held back. `endPts` is where the last frame's time ends.
+    virtual void finish(std::int64_t endPts) = 0;
+};
+
+} // namespace RecordCore

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "RecordCore/Model/PictureView.h"
+#include "RecordCore/Model/SourceInfo.h"
+
+#include <memory>
+#include <optional>
+
+namespace RecordCore {
+
+/// One decoded frame. The picture lives as long as `owner` (or a copy of it) is held.
+struct VideoFrame {
+    double time = 0; ///< presentation time in seconds; 0 is the track's first frame
+    PlanarView picture;
+    std::shared_ptr<const void> owner;
+};
+
+/// Reads the frames of one video file in presentation order, converted to the engine's pixel format:
+/// upright (rotation applied), square pixels, BT.709 video range, planar 8-bit 4:2:0. A frame that already
+/// is so is handed on without copying. One thread at a time; decoding may run ahead on threads of its own.
+class VideoReader {
+public:
+    virtual ~VideoReader() = default;
+
+    virtual const SourceInfo& info() const = 0;
+
+    /// The next frame, none at the end. Frames that are damaged are skipped; throws RecordingError naming the
+    /// file when reading fails for good.
+    virtual std::optional<VideoFrame> next() = 0;
+
+    /// Makes `next` go on with the last frame whose time is at most `seconds` + 1e-6 (the first frame when
+    /// there is none).
+    virtual void seek(double seconds) = 0;
+
+    /// Tells that no frame before the one shown at `seconds` (as in `seek`) will be asked for any more; the
+    /// reader may skip decoding what cannot be shown. Frames before it may still be returned by `next`.
+    virtual void skipTo(double seconds) { static_cast<void>(seconds); }
+};
+
+} // namespace RecordCore

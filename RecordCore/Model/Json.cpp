@@ -1,0 +1,133 @@
+#include "RecordCore/Model/Json.h"
+
+namespace RecordCore {
+
+namespace JsonReading {
+
+void decode(const Json& value, NRect& out) {
+    required(value, "x", out.x);
+    required(value, "y", out.y);
+    required(value, "w", out.w);
+    required(value, "h", out.h);
+}
+
+void decode(const Json& value, TimeRange& out) {
+    required(value, "start", out.start);
+    required(value, "end", out.end);
+}
+
+void decode(const Json& value, SpeedSegment::Reason& out) {
+    std::string text;
+    decode(value, text);
+    const auto reason = reasonNamed(text);
+    if (!reason) throw RecordingError(fmt::format("has an unknown reason \"{}\"", text));
+    out = *reason;
+}
+
+void decode(const Json& value, SpeedBlock& out) {
+    required(value, "start", out.start);
+    required(value, "end", out.end);
+    required(value, "speed", out.speed);
+    required(value, "reason", out.reason);
+}
+
+void decode(const Json& value, ZoomBlock& out) {
+    required(value, "start", out.start);
+    required(value, "end", out.end);
+    required(value, "x", out.x);
+    required(value, "y", out.y);
+    required(value, "zoom", out.zoom);
+}
+
+void decode(const Json& value, CaptionWord& out) {
+    required(value, "text", out.text);
+    required(value, "start", out.start);
+    required(value, "end", out.end);
+}
+
+void decode(const Json& value, ActivitySample& out) {
+    required(value, "t", out.t);
+    required(value, "energy", out.energy);
+    optional(value, "focus", out.focus);
+}
+
+void decode(const Json& value, InputLog::CursorSample& out) {
+    required(value, "t", out.t);
+    required(value, "x", out.x);
+    required(value, "y", out.y);
+}
+
+void decode(const Json& value, InputLog::Event& out) {
+    required(value, "t", out.t);
+    std::string kind;
+    required(value, "kind", kind);
+    if (kind == "click")
+        out.kind = InputLog::Event::Kind::click;
+    else if (kind == "rightClick")
+        out.kind = InputLog::Event::Kind::rightClick;
+    else if (kind == "key")
+        out.kind = InputLog::Event::Kind::key;
+    else if (kind == "scroll")
+        out.kind = InputLog::Event::Kind::scroll;
+    else
+        throw RecordingError(fmt::format("has an unknown kind of event \"{}\"", kind));
+    optional(value, "x", out.x);
+    optional(value, "y", out.y);
+}
+
+} // namespace JsonReading
+
+namespace JsonWriting {
+
+Json encode(const NRect& rect) { return {{"x", rect.x}, {"y", rect.y}, {"w", rect.w}, {"h", rect.h}}; }
+
+Json encode(const TimeRange& range) { return {{"start", range.start}, {"end", range.end}}; }
+
+Json encode(const SourceInfo& info) {
+    return {{"width", info.width},
+            {"height", info.height},
+            {"duration", info.duration},
+            {"fps", info.fps},
+            {"hasAudio", info.hasAudio}};
+}
+
+Json encode(const SpeedSegment& segment) {
+    return {{"start", segment.start},
+            {"end", segment.end},
+            {"speed", segment.speed},
+            {"reason", name(segment.reason)}};
+}
+
+Json encode(const SpeedBlock& block) {
+    return {{"start", block.start}, {"end", block.end}, {"speed", block.speed}, {"reason", name(block.reason)}};
+}
+
+Json encode(const ZoomBlock& block) {
+    return {{"start", block.start}, {"end", block.end}, {"x", block.x}, {"y", block.y}, {"zoom", block.zoom}};
+}
+
+Json encode(const CaptionWord& word) {
+    return {{"text", word.text}, {"start", word.start}, {"end", word.end}};
+}
+
+Json encode(const ActivitySample& sample) {
+    Json object{{"t", sample.t}, {"energy", sample.energy}};
+    put(object, "focus", sample.focus);
+    return object;
+}
+
+} // namespace JsonWriting
+
+Json parseJson(const std::string& text) {
+    try {
+        return Json::parse(text);
+    } catch (const nlohmann::json::exception& error) {
+        throw RecordingError(fmt::format("is not valid JSON ({})", error.what()));
+    }
+}
+
+std::string jsonText(const Json& value, int indent) {
+    return value.dump(indent, ' ', false, Json::error_handler_t::replace);
+}
+
+} // namespace RecordCore
