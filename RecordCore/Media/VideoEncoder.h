@@ -19,6 +19,9 @@ struct VideoSettings {
     std::int64_t bitrate = 0; ///< average, bits per second
     int keyInterval = 120;    ///< most frames from key frame to key frame
     bool realTime = false;    ///< low delay and no reordering (capture), else best quality (film)
+    /// Take a hardware encoder or none: making the encoder throws where no such one opens at this size.
+    /// Off, a software encoder is made.
+    bool hardware = false;
     std::string preset;       ///< the encoder's own preset name; empty: the default for the use
     int threads = 0;          ///< 0: as many as suit the machine
 };
@@ -39,6 +42,9 @@ public:
 
     /// Complete from the start (parameter sets included).
     virtual const StreamDescription& description() const = 0;
+
+    /// What encodes, for the log: "libx264 superfast", "hevc_vaapi" …
+    virtual std::string name() const { return {}; }
 
     /// The picture is copied or consumed before the call returns. Times rise strictly.
     virtual void encode(const PlanarView& picture, std::int64_t pts, const FrameHints& hints = {}) = 0;
