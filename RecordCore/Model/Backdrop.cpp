@@ -22,7 +22,9 @@ constexpr std::array<Backdrop, 8> presets{{
 
 } // namespace
 
-const std::array<std::string_view, 8>& Backdrop::names() { return presetNames; }
+const std::array<std::string_view, 8>& Backdrop::names() {
+    return presetNames;
+}
 
 std::optional<Backdrop> Backdrop::preset(std::string_view name) {
     for (std::size_t i = 0; i < presetNames.size(); ++i)
@@ -30,6 +32,8 @@ std::optional<Backdrop> Backdrop::preset(std::string_view name) {
     return std::nullopt;
 }
 
-Backdrop Backdrop::standard() { return presets[0]; }
+Backdrop Backdrop::standard() {
+    return presets[0];
+}
 
 } // namespace RecordCore

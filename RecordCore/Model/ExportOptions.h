@@ -12,9 +12,9 @@ namespace RecordCore {
 /// What to export and how.
 struct ExportOptions {
     Project project;
-    std::optional<InputLog> log; ///< as recorded (not cropped); for the drawn pointer and clicks
-    double fps = 60;             ///< output frames per second
-    double scale = 1;            ///< factor on the canvas size
+    std::optional<InputLog> log;         ///< as recorded (not cropped); for the drawn pointer and clicks
+    double fps = 60;                     ///< output frames per second
+    double scale = 1;                    ///< factor on the canvas size
     std::optional<std::int64_t> bitrate; ///< video bits per second; absent: chosen by size and rate
     bool watermark = false;
     std::optional<std::filesystem::path> camera; ///< the camera video to put in the bubble

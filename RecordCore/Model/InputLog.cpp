@@ -11,10 +11,14 @@ namespace {
 
 const char* kindName(InputLog::Event::Kind kind) {
     switch (kind) {
-    case InputLog::Event::Kind::click: return "click";
-    case InputLog::Event::Kind::rightClick: return "rightClick";
-    case InputLog::Event::Kind::key: return "key";
-    case InputLog::Event::Kind::scroll: return "scroll";
+    case InputLog::Event::Kind::click:
+        return "click";
+    case InputLog::Event::Kind::rightClick:
+        return "rightClick";
+    case InputLog::Event::Kind::key:
+        return "key";
+    case InputLog::Event::Kind::scroll:
+        return "scroll";
     }
     return "key";
 }

@@ -26,10 +26,10 @@ struct InputLog {
         bool operator==(const Event&) const = default;
     };
 
-    std::vector<CursorSample> cursor; ///< in time order
-    std::vector<Event> events;        ///< in time order
-    std::optional<bool> keysTracked;  ///< whether key presses could be observed; absent: unknown
-    std::optional<bool> cursorInVideo; ///< whether the pointer is part of the picture; absent: unknown
+    std::vector<CursorSample> cursor;   ///< in time order
+    std::vector<Event> events;          ///< in time order
+    std::optional<bool> keysTracked;    ///< whether key presses could be observed; absent: unknown
+    std::optional<bool> cursorInVideo;  ///< whether the pointer is part of the picture; absent: unknown
     std::optional<double> cameraOffset; ///< seconds by which the camera's first frame follows the screen's
 
     /// Reads "input.json". Throws RecordingError that names the file and the cause when it cannot be read,

@@ -79,9 +79,13 @@ void decode(const Json& value, InputLog::Event& out) {
 
 namespace JsonWriting {
 
-Json encode(const NRect& rect) { return {{"x", rect.x}, {"y", rect.y}, {"w", rect.w}, {"h", rect.h}}; }
+Json encode(const NRect& rect) {
+    return {{"x", rect.x}, {"y", rect.y}, {"w", rect.w}, {"h", rect.h}};
+}
 
-Json encode(const TimeRange& range) { return {{"start", range.start}, {"end", range.end}}; }
+Json encode(const TimeRange& range) {
+    return {{"start", range.start}, {"end", range.end}};
+}
 
 Json encode(const SourceInfo& info) {
     return {{"width", info.width},
@@ -99,7 +103,8 @@ Json encode(const SpeedSegment& segment) {
 }
 
 Json encode(const SpeedBlock& block) {
-    return {{"start", block.start}, {"end", block.end}, {"speed", block.speed}, {"reason", name(block.reason)}};
+    return {
+        {"start", block.start}, {"end", block.end}, {"speed", block.speed}, {"reason", name(block.reason)}};
 }
 
 Json encode(const ZoomBlock& block) {

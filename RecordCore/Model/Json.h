@@ -103,9 +103,15 @@ Json encode(const SpeedBlock& block);
 Json encode(const ZoomBlock& block);
 Json encode(const CaptionWord& word);
 Json encode(const ActivitySample& sample);
-inline Json encode(double value) { return value; }
-inline Json encode(bool value) { return value; }
-inline Json encode(const std::string& value) { return value; }
+inline Json encode(double value) {
+    return value;
+}
+inline Json encode(bool value) {
+    return value;
+}
+inline Json encode(const std::string& value) {
+    return value;
+}
 
 template <typename T>
 Json encode(const std::vector<T>& values) {

@@ -24,14 +24,18 @@ constexpr std::array<Facts, 4> table{{
     {"1:1", "Square", {1080, 1080}, 110, 30, true},
 }};
 
-const Facts& facts(OutputFormat format) { return table[static_cast<std::size_t>(format)]; }
+const Facts& facts(OutputFormat format) {
+    return table[static_cast<std::size_t>(format)];
+}
 
 /// The least side of the window in base pixels; a larger padding is limited to this.
 constexpr double leastWindow = 16;
 
 } // namespace
 
-std::string_view rawValue(OutputFormat format) { return facts(format).rawValue; }
+std::string_view rawValue(OutputFormat format) {
+    return facts(format).rawValue;
+}
 
 std::optional<OutputFormat> outputFormat(std::string_view rawValue) {
     for (const OutputFormat format : allOutputFormats)
@@ -39,20 +43,29 @@ std::optional<OutputFormat> outputFormat(std::string_view rawValue) {
     return std::nullopt;
 }
 
-std::string_view label(OutputFormat format) { return facts(format).label; }
+std::string_view label(OutputFormat format) {
+    return facts(format).label;
+}
 
-Size canvas(OutputFormat format) { return facts(format).canvas; }
+Size canvas(OutputFormat format) {
+    return facts(format).canvas;
+}
 
-double headerHeight(OutputFormat format) { return facts(format).header; }
+double headerHeight(OutputFormat format) {
+    return facts(format).header;
+}
 
-double referenceLength(OutputFormat format) { return format == OutputFormat::wide ? 1920 : 1080; }
+double referenceLength(OutputFormat format) {
+    return format == OutputFormat::wide ? 1920 : 1080;
+}
 
 CanvasRect window(OutputFormat format, double sourceAspect, double padding) {
     const auto& [raw, title, size, header, bottomMargin, bottomFollowsMargin] = facts(format);
     const double p = std::isfinite(padding) ? std::max(padding, 0.0) : 0.0;
 
     if (format == OutputFormat::wide) {
-        const double a = std::isfinite(sourceAspect) && sourceAspect > 0 ? sourceAspect : size.width / size.height;
+        const double a =
+            std::isfinite(sourceAspect) && sourceAspect > 0 ? sourceAspect : size.width / size.height;
         const double m = std::min(2 * p * size.width, size.height - leastWindow);
         double w = std::min(a * (size.height - m), size.width - m);
         double h = w / a;

@@ -178,7 +178,9 @@ double Project::sourceAspect(const SourceInfo& info) const {
     return crop && crop->w > 0 && crop->h > 0 ? crop->w * a / crop->h : a;
 }
 
-std::vector<TimeRange> Project::mergedCuts() const { return merged(cuts); }
+std::vector<TimeRange> Project::mergedCuts() const {
+    return merged(cuts);
+}
 
 std::vector<TimeRange> Project::kept(double duration) const {
     double lo = std::max(trimStart, 0.0);

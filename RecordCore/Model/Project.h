@@ -89,7 +89,7 @@ struct Project {
     bool followAction = true;
     double maxZoom = 1.7;
     double maxSpeed = 40;
-    std::string motion = "focused"; ///< "smooth" glides more slowly
+    std::string motion = "focused";                   ///< "smooth" glides more slowly
     std::optional<std::vector<CaptionWord>> captions; ///< absent: never transcribed
     bool showCaptions = false;
     std::string captionStyle = "highlight";

@@ -10,7 +10,9 @@ std::optional<CameraStyle> CameraStyle::of(const Project& project) {
                        project.cameraBorder};
 }
 
-PointerStyle PointerStyle::of(const Project& project) { return {project.cursorStyle, project.clickEffect}; }
+PointerStyle PointerStyle::of(const Project& project) {
+    return {project.cursorStyle, project.clickEffect};
+}
 
 Cards Cards::of(const Project& project) {
     return {project.title, project.subtitle, project.endTitle, project.endSubtitle,
