@@ -23,12 +23,13 @@ public:
     /// The facts of a video file, without decoding it.
     virtual SourceInfo sourceInfo(const std::filesystem::path& file) const = 0;
 
-    /// Opens a video for reading. Only local files are opened, and only kinds of file on our list.
-    virtual std::unique_ptr<VideoReader> openVideo(const std::filesystem::path& file) const = 0;
+    /// Opens a video for reading. Only local files are opened, and only kinds of file on our list. `threads`
+    /// decode at once (0: as many as suit the machine); the pictures are the same with any number.
+    virtual std::unique_ptr<VideoReader> openVideo(const std::filesystem::path& file,
+                                                   int threads = 0) const = 0;
 
     /// One reader for each sound track of the file, in file order; none when it has no sound.
-    virtual std::vector<std::unique_ptr<SoundReader>>
-    openSound(const std::filesystem::path& file) const = 0;
+    virtual std::vector<std::unique_ptr<SoundReader>> openSound(const std::filesystem::path& file) const = 0;
 
     virtual std::unique_ptr<VideoEncoder> makeVideoEncoder(const VideoSettings& settings,
                                                            PacketSink sink) const = 0;

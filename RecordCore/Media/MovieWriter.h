@@ -11,7 +11,9 @@ enum class MovieLayout {
     film,
     /// A recording in progress: written in place, in fragments of at most one second that are handed to the
     /// operating system as they come (`tick` closes a fragment when no packet arrives), so that the file is
-    /// readable up to the last second after a crash. `finish` replaces it by a plain MP4 with the index at the front.
+    /// readable up to the last second after a crash. `finish` replaces it by a plain MP4 with the index at
+    /// the
+    /// front. Readable by its owner only.
     recording,
 };
 
@@ -28,6 +30,12 @@ public:
     virtual void write(int track, const Packet& packet) = 0;
     /// Recording only: closes and flushes the current fragment if it is older than a second.
     virtual void tick() {}
+    /// Where the last packet of a track ends, in the track's time base. Without it the last packet's own
+    /// duration counts; a recorder that learns only at the stop how long the last frame stood tells it here,
+    /// before `finish`.
+    virtual void setEnd(int track, std::int64_t pts) = 0;
+    /// Film: completes the file and moves it into place. Recording: what is on the disk stays readable
+    /// whatever happens here; when there is no room for the plain copy the fragments are kept as they are.
     virtual void finish() = 0;
 };
 

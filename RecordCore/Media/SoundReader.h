@@ -5,8 +5,8 @@
 
 namespace RecordCore {
 
-inline constexpr int soundRate = 48000;   ///< samples per second of all sound inside the engine
-inline constexpr int soundChannels = 2;   ///< interleaved left and right
+inline constexpr int soundRate = 48000; ///< samples per second of all sound inside the engine
+inline constexpr int soundChannels = 2; ///< interleaved left and right
 
 /// Reads one sound track as 48 kHz stereo floats, interleaved, on the time axis of the file's video track
 /// (position 0 is the video's first frame). One thread at a time.

@@ -22,8 +22,10 @@ struct VideoSettings {
     /// Take a hardware encoder or none: making the encoder throws where no such one opens at this size.
     /// Off, a software encoder is made.
     bool hardware = false;
-    std::string preset;       ///< the encoder's own preset name; empty: the default for the use
-    int threads = 0;          ///< 0: as many as suit the machine
+    std::string preset;     ///< the encoder's own preset name; empty: the default for the use
+    int threads = 0;        ///< 0: as many as suit the machine
+    bool hardware = true;   ///< HEVC: use the machine's own encoder when it opens
+    bool freeStills = true; ///< film in H.264: write repeated frames without asking the encoder
 };
 
 /// What the caller knows about a frame; everything is optional.
@@ -46,7 +48,8 @@ public:
     /// What encodes, for the log: "libx264 superfast", "hevc_vaapi" …
     virtual std::string name() const { return {}; }
 
-    /// The picture is copied or consumed before the call returns. Times rise strictly.
+    /// The picture is copied or consumed before the call returns. Times rise strictly. In real time the
+    /// frame's packet is delivered before the call returns, with duration 0 (see MovieWriter::setEnd).
     virtual void encode(const PlanarView& picture, std::int64_t pts, const FrameHints& hints = {}) = 0;
 
     /// A frame that equals the one before, to the pixel.
