@@ -24,7 +24,6 @@ struct VideoSettings {
     bool hardware = false;
     std::string preset;     ///< the encoder's own preset name; empty: the default for the use
     int threads = 0;        ///< 0: as many as suit the machine
-    bool hardware = true;   ///< HEVC: use the machine's own encoder when it opens
     bool freeStills = true; ///< film in H.264: write repeated frames without asking the encoder
 };
 
