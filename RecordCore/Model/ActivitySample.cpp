@@ -17,7 +17,7 @@ std::vector<ActivitySample> loadActivity(const std::filesystem::path& file) {
 }
 
 void saveActivity(const std::vector<ActivitySample>& samples, const std::filesystem::path& file) {
-    writeFileAtomically(file, jsonText(JsonWriting::encode(samples)));
+    saveJson(JsonWriting::encode(samples), file);
 }
 
 } // namespace RecordCore

@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -69,15 +70,19 @@ void writeFileAtomically(const std::filesystem::path& file, std::string_view byt
 }
 
 std::string readFile(const std::filesystem::path& file, std::size_t limit) {
-    const Descriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
+    // Without blocking: opening a pipe that nobody writes to would wait for ever.
+    const Descriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (descriptor.get() < 0) fail(file, "cannot be read", errno);
 
     struct stat facts {};
     if (::fstat(descriptor.get(), &facts) != 0) fail(file, "cannot be read", errno);
     if (S_ISDIR(facts.st_mode)) fail(file, "cannot be read", EISDIR);
+    if (!S_ISREG(facts.st_mode))
+        throw RecordingError(fmt::format("{}: cannot be read: not a plain file", file.string()));
+    if (static_cast<std::uintmax_t>(facts.st_size) > limit) fail(file, "cannot be read", EFBIG);
 
     std::string contents;
-    contents.reserve(std::min(static_cast<std::size_t>(std::max<off_t>(facts.st_size, 0)) + 1, limit));
+    contents.reserve(static_cast<std::size_t>(facts.st_size) + 1);
     char buffer[1 << 16];
     while (true) {
         const ssize_t count = ::read(descriptor.get(), buffer, sizeof buffer);

@@ -12,8 +12,9 @@ namespace RecordCore {
 /// then untouched and the temporary one removed.
 void writeFileAtomically(const std::filesystem::path& file, std::string_view bytes);
 
-/// The whole contents of a file. Throws RecordingError that names the file and the cause, also for a file
-/// larger than `limit` bytes (side files are small; a huge one is not ours).
-std::string readFile(const std::filesystem::path& file, std::size_t limit = std::size_t{1} << 30);
+/// The whole contents of a plain file. Throws RecordingError that names the file and the cause, also for a
+/// pipe or device and for a file larger than `limit` bytes: half a day of input takes 200 MB, and parsed JSON
+/// takes several times its size.
+std::string readFile(const std::filesystem::path& file, std::size_t limit = std::size_t{1} << 28);
 
 } // namespace RecordCore

@@ -56,7 +56,7 @@ void InputLog::save(const std::filesystem::path& file) const {
     JsonWriting::put(object, "keysTracked", keysTracked);
     JsonWriting::put(object, "cursorInVideo", cursorInVideo);
     JsonWriting::put(object, "cameraOffset", cameraOffset);
-    writeFileAtomically(file, jsonText(object));
+    saveJson(object, file);
 }
 
 bool InputLog::userActive(double from, double to, double moveThreshold) const {

@@ -1,6 +1,26 @@
 #include "RecordCore/Model/Json.h"
 
+#include "RecordCore/Model/AtomicFile.h"
+
 namespace RecordCore {
+
+namespace {
+
+void requireFinite(const Json& value) {
+    if (value.is_number_float() && !std::isfinite(value.get<double>()))
+        throw RecordingError("holds a number that is not finite");
+    if (!value.is_structured()) return;
+    for (const auto& [key, element] : value.items()) {
+        try {
+            requireFinite(element);
+        } catch (const RecordingError& error) {
+            if (value.is_array()) throw;
+            throw RecordingError(fmt::format("\"{}\" {}", key, error.what()));
+        }
+    }
+}
+
+} // namespace
 
 namespace JsonReading {
 
@@ -133,6 +153,15 @@ Json parseJson(const std::string& text) {
 
 std::string jsonText(const Json& value, int indent) {
     return value.dump(indent, ' ', false, Json::error_handler_t::replace);
+}
+
+void saveJson(const Json& value, const std::filesystem::path& file, int indent) {
+    try {
+        requireFinite(value);
+    } catch (const RecordingError& error) {
+        throw RecordingError(fmt::format("{}: cannot be written: {}", file.string(), error.what()));
+    }
+    writeFileAtomically(file, jsonText(value, indent) + (indent < 0 ? "" : "\n"));
 }
 
 } // namespace RecordCore

@@ -14,6 +14,7 @@
 #include <nlohmann/json.hpp>
 
 #include <cmath>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -133,5 +134,10 @@ Json parseJson(const std::string& text);
 
 /// The text of a JSON value; bytes that are not UTF-8 are replaced. `indent` as in the library (−1: compact).
 std::string jsonText(const Json& value, int indent = -1);
+
+/// Writes a JSON value to `file`, atomically, with a line break at the end when it is indented. Throws
+/// RecordingError that names the file, also for a number that is not finite: JSON has no way to write it,
+/// and the file could not be read back.
+void saveJson(const Json& value, const std::filesystem::path& file, int indent = -1);
 
 } // namespace RecordCore

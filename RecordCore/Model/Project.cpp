@@ -165,8 +165,7 @@ void Project::save(const std::filesystem::path& file) const {
     Json object = Json::object();
     visitFields(*this, Encoder{object});
     // The library's plain object sorts its keys.
-    const nlohmann::json sorted = object;
-    writeFileAtomically(file, sorted.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n");
+    saveJson(Json(nlohmann::json(object)), file, 2);
 }
 
 OutputFormat Project::outputFormat() const {
