@@ -30,9 +30,10 @@ const std::vector<Room>& rooms() {
         {"RecordCore/Media/X264/", {"RecordCore/Model/", "RecordCore/Media/"}},
         {"RecordCore/Media/RubberBand/", {"RecordCore/Model/", "RecordCore/Media/"}},
         {"RecordCore/Media/", {"RecordCore/Model/"}},
+        // Loading a recording may mean looking at its video for activity.
         {"RecordCore/Export/",
-         {"RecordCore/Model/", "RecordCore/Planning/", "RecordCore/Motion/", "RecordCore/Rendering/",
-          "RecordCore/Media/"}},
+         {"RecordCore/Model/", "RecordCore/Activity/", "RecordCore/Planning/", "RecordCore/Motion/",
+          "RecordCore/Rendering/", "RecordCore/Media/"}},
         {"RecordCore/Preview/",
          {"RecordCore/Model/", "RecordCore/Planning/", "RecordCore/Motion/", "RecordCore/Rendering/",
           "RecordCore/Media/", "RecordCore/Export/Timeline.h", "RecordCore/Export/Composition.h"}},

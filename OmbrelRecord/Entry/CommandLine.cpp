@@ -1,0 +1,100 @@
+#include "OmbrelRecord/Entry/CommandLine.h"
+
+#include "OmbrelRecord/Entry/Backends.h"
+#include "OmbrelRecord/Entry/Commands.h"
+#include "RecordCore/Model/OutputFormat.h"
+#include "RecordCore/Model/RecordingError.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+namespace OmbrelRecord::CommandLine {
+
+namespace {
+
+using RecordCore::MediaBackend;
+
+const CLI::Validator formatNames = CLI::IsMember({"16:9", "4:5", "9:16", "1:1"});
+
+void addFolder(CLI::App& verb, std::filesystem::path& folder) {
+    verb.add_option("FOLDER", folder, "Folder of the recording")->required();
+}
+
+void addOutput(CLI::App& verb, std::filesystem::path& output, const char* what) {
+    verb.add_option("-o,--output", output, what)->required();
+}
+
+void addPicture(CLI::App& verb, std::optional<std::string>& format, double& scale, double& fps) {
+    verb.add_option("--format", format, "Shape of the film (the project's when not given)")
+        ->check(formatNames);
+    verb.add_option("--scale", scale, "Factor on the canvas size; 2 makes a 4K film")
+        ->check(CLI::Range(0.1, 4.0));
+    verb.add_option("--fps", fps, "Frames per second")->check(CLI::Range(1.0, 240.0));
+}
+
+} // namespace
+
+std::optional<int> run(int argc, char** argv) {
+    CLI::App app("Records a screen and makes a finished film of it.", "ombrel-record");
+    app.set_version_flag("--version", OMBREL_VERSION);
+    app.require_subcommand(1);
+    const auto backend = [] { return makeMediaBackend(); };
+
+    Commands::Analyze analyze;
+    CLI::App& analyzeVerb = *app.add_subcommand("analyze", "Write activity.json from recording.mp4");
+    addFolder(analyzeVerb, analyze.folder);
+    analyzeVerb.callback([&] { Commands::run(analyze, *backend()); });
+
+    Commands::Plan plan;
+    CLI::App& planVerb = *app.add_subcommand("plan", "Print the plan of the film as JSON");
+    addFolder(planVerb, plan.folder);
+    planVerb.add_option("--frames", plan.frames, "Also print the state of every frame at this rate")
+        ->check(CLI::Range(1.0, 240.0));
+    planVerb.callback([&] { Commands::run(plan, *backend()); });
+
+    Commands::Still still;
+    CLI::App& stillVerb = *app.add_subcommand("still", "Draw one frame of the film");
+    addFolder(stillVerb, still.folder);
+    stillVerb.add_option("--at", still.at, "Time in the film, in seconds")->required();
+    addPicture(stillVerb, still.format, still.scale, still.fps);
+    stillVerb.add_flag("--camera", still.camera, "Show the camera bubble");
+    addOutput(stillVerb, still.output, "PNG file to write");
+    stillVerb.callback([&] { Commands::run(still, *backend()); });
+
+    Commands::Export film;
+    CLI::App& exportVerb = *app.add_subcommand("export", "Make the film");
+    addFolder(exportVerb, film.folder);
+    addPicture(exportVerb, film.format, film.scale, film.fps);
+    exportVerb.add_option("--bitrate", film.bitrate, "Video bits per second (chosen by size when not given)")
+        ->check(CLI::Range(std::int64_t{50'000}, std::int64_t{1'000'000'000}));
+    exportVerb.add_flag("--watermark", film.watermark, "Draw a watermark");
+    exportVerb.add_flag("--json", film.json, "Print the statistics as JSON");
+    addOutput(exportVerb, film.output, "MP4 file to write");
+    exportVerb.callback([&] { Commands::run(film, *backend()); });
+
+    const std::string first = argc > 1 ? argv[1] : "";
+    const auto verbs = app.get_subcommands({});
+    const bool isVerb =
+        std::any_of(verbs.begin(), verbs.end(), [&](CLI::App* verb) { return verb->get_name() == first; });
+    if (!isVerb && first != "--help" && first != "-h" && first != "--version") return std::nullopt;
+
+    try {
+        app.parse(argc, argv);
+        return 0;
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error, std::cout, std::cerr) == 0 ? 0 : 2;
+    } catch (const RecordCore::RecordingError& error) {
+        fmt::print(stderr, "ombrel-record: {}\n", error.what());
+    } catch (const std::bad_alloc&) {
+        fmt::print(stderr, "ombrel-record: there is not enough memory for this\n");
+    } catch (const std::exception& error) {
+        fmt::print(stderr, "ombrel-record: {}\n", error.what());
+    }
+    return 1;
+}
+
+} // namespace OmbrelRecord::CommandLine

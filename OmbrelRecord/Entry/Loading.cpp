@@ -1,0 +1,26 @@
+#include "OmbrelRecord/Entry/Loading.h"
+
+#include "OmbrelRecord/Entry/ProgressBar.h"
+
+#include <fmt/format.h>
+
+#include <cstdio>
+
+namespace OmbrelRecord {
+
+using namespace RecordCore;
+
+LoadedRecording loadForCommand(const std::filesystem::path& folder, const std::optional<std::string>& format,
+                               const MediaBackend& media) {
+    std::optional<LoadedRecording> recording;
+    {
+        ProgressBar bar("Watching the recording");
+        recording = LoadedRecording::load(media, folder, [&](double share) { bar.update(share); });
+    }
+    for (const std::string& note : recording->notes)
+        fmt::print(stderr, "ombrel-record: {}\n", note);
+    if (format) recording->project.format = *format;
+    return std::move(*recording);
+}
+
+} // namespace OmbrelRecord
