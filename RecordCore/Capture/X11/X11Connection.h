@@ -1,0 +1,58 @@
+#pragma once
+
+#include "RecordCore/Capture/ScreenGeometry.h"
+#include "RecordCore/Model/RecordingError.h"
+
+#include <xcb/xcb.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace RecordCore {
+
+struct FreeXcb {
+    void operator()(void* reply) const { std::free(reply); }
+};
+/// What the X server answered, or an event.
+template <class T>
+using XcbReply = std::unique_ptr<T, FreeXcb>;
+
+/// One connection to the X server. xcb itself may be used from several threads; events belong to one.
+class X11Connection {
+public:
+    /// Connects to `display`, empty: the DISPLAY of the environment. Throws RecordingError.
+    explicit X11Connection(const std::string& display = {});
+    ~X11Connection();
+    X11Connection(const X11Connection&) = delete;
+    X11Connection& operator=(const X11Connection&) = delete;
+
+    xcb_connection_t* get() const { return connection; }
+    const xcb_screen_t& screen() const { return *defaultScreen; }
+    xcb_window_t root() const { return defaultScreen->root; }
+    int descriptor() const { return xcb_get_file_descriptor(connection); }
+    bool broken() const { return xcb_connection_has_error(connection) != 0; }
+
+    /// Cuts the line to the server: whoever waits for a reply gets none. Any thread.
+    void cut() const;
+
+    /// The extension's data, none when the server lacks it.
+    const xcb_query_extension_reply_t* extension(xcb_extension_t& id) const;
+    /// The same, throwing RecordingError that names it.
+    const xcb_query_extension_reply_t& require(xcb_extension_t& id, const char* name) const;
+
+    xcb_atom_t atom(const char* name) const;
+
+    /// A property of 32-bit values, empty when it is missing or of another kind.
+    std::vector<std::uint32_t> values(xcb_window_t window, xcb_atom_t property, xcb_atom_t type) const;
+    /// A property of bytes.
+    std::string bytes(xcb_window_t window, xcb_atom_t property, xcb_atom_t type = XCB_ATOM_ANY) const;
+
+private:
+    xcb_connection_t* connection = nullptr;
+    const xcb_screen_t* defaultScreen = nullptr;
+};
+
+} // namespace RecordCore
