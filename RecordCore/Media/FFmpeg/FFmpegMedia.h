@@ -1,0 +1,22 @@
+#pragma once
+
+#include "RecordCore/Media/MovieWriter.h"
+#include "RecordCore/Media/SoundEncoder.h"
+#include "RecordCore/Media/SoundReader.h"
+#include "RecordCore/Media/VideoEncoder.h"
+#include "RecordCore/Media/VideoReader.h"
+#include "RecordCore/Model/SourceInfo.h"
+
+#include <filesystem>
+#include <memory>
+#include <vector>
+
+/// Readers, encoders and the MPEG-4 writer on the FFmpeg libraries. What each does is said at the interface
+/// (MediaBackend and its parts); all functions may be called from any thread.
+namespace RecordCore::FFmpeg {
+
+SourceInfo sourceInfo(const std::filesystem::path& file);
+std::unique_ptr<VideoReader> openVideo(const std::filesystem::path& file, int threads);
+std::vector<std::unique_ptr<SoundReader>> openSound(const std::filesystem::path& file);
+
+} // namespace RecordCore::FFmpeg
