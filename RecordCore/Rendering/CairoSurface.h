@@ -1,0 +1,43 @@
+#pragma once
+
+#include "RecordCore/Model/Backdrop.h"
+#include "RecordCore/Rendering/Bitmap.h"
+
+#include <cairo.h>
+
+namespace RecordCore {
+
+/// A Cairo drawing context on the pixels of a bitmap, which must outlive it and keep its size.
+/// Included only by the drawing code of this folder.
+class CairoSurface {
+public:
+    explicit CairoSurface(Bitmap& bitmap);
+    ~CairoSurface();
+    CairoSurface(const CairoSurface&) = delete;
+    CairoSurface& operator=(const CairoSurface&) = delete;
+
+    operator cairo_t*() const { return context; }
+
+private:
+    cairo_surface_t* surface;
+    cairo_t* context;
+};
+
+/// Adds the path of a rounded rectangle.
+void roundedRectanglePath(cairo_t* cairo, double x, double y, double width, double height, double radius);
+
+/// The colour a fill or stroke is drawn in; `alpha` 0 is fully transparent.
+struct Ink {
+    Rgb color;
+    double alpha = 1;
+    static constexpr Ink gray(double value, double alpha = 1) { return {{value, value, value}, alpha}; }
+};
+void setInk(cairo_t* cairo, const Ink& ink);
+
+/// Blurs the bitmap's alpha and returns it as a drawing of that colour, of the same size.
+Bitmap blurredShadow(const Bitmap& shape, double sigma, const Ink& ink);
+
+/// Lays `top` over `bottom` with its upper left corner at (x, y).
+void draw(Bitmap& bottom, const Bitmap& top, int x, int y);
+
+} // namespace RecordCore
