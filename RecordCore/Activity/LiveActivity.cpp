@@ -30,17 +30,28 @@ bool LiveActivity::sample(const View& frame, double t) {
     nextT = t + 1 / sampleFps;
     lumaGrid(frame, gridW, gridH, current);
     times.push_back(t);
-    Mask& mask = masks.emplace_back();
-    if (previous.empty())
-        mask.assign(static_cast<std::size_t>(cols) * rows, 0);
-    else
-        changeMask(current, previous, cols, rows, mask);
+    PackedMask& mask = masks.emplace_back();
+    if (!previous.empty()) {
+        changeMask(current, previous, cols, rows, scratch);
+        for (std::size_t cell = 0; cell < scratch.size(); ++cell)
+            mask[cell / cols] |= std::uint64_t{scratch[cell] != 0} << cell % cols;
+    }
     previous = current;
     return true;
 }
 
+void LiveActivity::restore(double t, const PackedMask& mask) {
+    nextT = t + 1 / sampleFps;
+    times.push_back(t);
+    masks.push_back(mask);
+}
+
 std::vector<ActivitySample> LiveActivity::samples() const {
-    return summarize(times, masks, cols, rows, window);
+    std::vector<Mask> unpacked(masks.size(), Mask(static_cast<std::size_t>(cols) * rows));
+    for (std::size_t i = 0; i < masks.size(); ++i)
+        for (std::size_t cell = 0; cell < unpacked[i].size(); ++cell)
+            unpacked[i][cell] = static_cast<std::uint8_t>(masks[i][cell / cols] >> cell % cols & 1);
+    return summarize(times, unpacked, cols, rows, window);
 }
 
 } // namespace RecordCore

@@ -4,6 +4,7 @@
 #include "RecordCore/Model/ActivitySample.h"
 #include "RecordCore/Model/PictureView.h"
 
+#include <array>
 #include <cstdint>
 #include <vector>
 
@@ -23,6 +24,16 @@ public:
     /// Whether a frame of time `t` would be sampled.
     bool wants(double t) const;
 
+    /// What changed in one sampled frame: a word for each row of cells, bit c for column c.
+    using PackedMask = std::array<std::uint64_t, ActivityAnalyzer::rows>;
+    static_assert(ActivityAnalyzer::cols == 64);
+
+    /// The mask of the frame sampled last.
+    const PackedMask& lastMask() const { return masks.back(); }
+
+    /// Takes a mask as it was once sampled, in the order of times (recovery of a recording that was cut off).
+    void restore(double t, const PackedMask& mask);
+
     /// The summary of all frames added so far, computed afresh.
     std::vector<ActivitySample> samples() const;
 
@@ -33,7 +44,8 @@ private:
     std::vector<std::uint8_t> previous; ///< luma grid of the sampled frame before; empty: none
     std::vector<std::uint8_t> current;
     std::vector<double> times;
-    std::vector<ActivityAnalyzer::Mask> masks;
+    std::vector<PackedMask> masks; ///< packed: an hour of a busy screen holds 54000 of them
+    ActivityAnalyzer::Mask scratch;
     double nextT = 0; ///< earliest time at which a frame is sampled
 };
 

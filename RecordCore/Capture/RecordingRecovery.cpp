@@ -1,0 +1,66 @@
+#include "RecordCore/Capture/RecordingRecovery.h"
+
+#include "RecordCore/Capture/RecordingJournal.h"
+#include "RecordCore/Model/ActivitySample.h"
+#include "RecordCore/Model/RecordingError.h"
+#include "RecordCore/Model/RecordingFiles.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+namespace RecordCore {
+
+namespace {
+
+/// Holds a journal that nobody writes any more.
+class JournalLock {
+public:
+    explicit JournalLock(const std::filesystem::path& path) : file(open(path.c_str(), O_RDWR | O_CLOEXEC)) {
+        if (file >= 0 && flock(file, LOCK_EX | LOCK_NB) != 0) {
+            close(file);
+            throw RecordingError(fmt::format("{}: still being recorded", path.parent_path().string()));
+        }
+    }
+    ~JournalLock() {
+        if (file >= 0) close(file);
+    }
+    JournalLock(const JournalLock&) = delete;
+    JournalLock& operator=(const JournalLock&) = delete;
+
+private:
+    int file;
+};
+
+} // namespace
+
+bool recoverRecording(const std::filesystem::path& folder, const MediaBackend& media,
+                      const std::function<void(const std::string&)>& log) {
+    const RecordingFiles files{folder};
+    const auto say = [&log](const std::string& message) {
+        if (log) log(message);
+    };
+    // A recording that ended well has no journal; asking for it is all that opening one costs.
+    if (!std::filesystem::exists(files.journal()) || !std::filesystem::exists(files.video())) return false;
+    const JournalLock lock(files.journal());
+    const JournalContents contents = JournalContents::read(files.journal());
+    media.recoverMovie(files.video());
+    if (std::filesystem::exists(files.camera())) {
+        try {
+            media.recoverMovie(files.camera());
+        } catch (const RecordingError& error) {
+            // The film can do without it.
+            say(fmt::format("recover: {}", error.what()));
+        }
+    }
+    if (!std::filesystem::exists(files.input())) contents.inputLog().save(files.input());
+    if (!std::filesystem::exists(files.activity()))
+        saveActivity(contents.activity.samples(), files.activity());
+    std::filesystem::remove(files.journal());
+    say(fmt::format("recover: {}: {} pointer samples, {} events", folder.string(), contents.cursor.size(),
+                    contents.events.size()));
+    return true;
+}
+
+} // namespace RecordCore

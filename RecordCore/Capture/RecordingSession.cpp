@@ -1,0 +1,90 @@
+#include "RecordCore/Capture/RecordingSession.h"
+
+#include "RecordCore/Capture/RecordingRecovery.h"
+#include "RecordCore/Model/ActivitySample.h"
+#include "RecordCore/Model/RecordingError.h"
+
+#include <fmt/format.h>
+#include <sys/stat.h>
+
+#include <utility>
+
+namespace RecordCore {
+
+namespace {
+
+void makePrivateFolder(const std::filesystem::path& folder) {
+    if (std::filesystem::is_directory(folder)) return;
+    std::error_code error;
+    if (folder.has_parent_path()) std::filesystem::create_directories(folder.parent_path(), error);
+    if (mkdir(folder.c_str(), 0700) != 0)
+        throw RecordingError(fmt::format("{}: cannot be created", folder.string()));
+}
+
+} // namespace
+
+RecordingSession::RecordingSession(std::filesystem::path folder, Setup setup, Services services) :
+    files{std::move(folder)}, setup(std::move(setup)), services(std::move(services)) {}
+
+RecordingSession::~RecordingSession() = default;
+
+InputRecorder::Region RecordingSession::region() const {
+    const ScreenBackend& backend = services.screen.screen;
+    const int width = recorder->width();
+    const int height = recorder->height();
+    if (const auto* window = std::get_if<WindowSource>(&setup.screen.source))
+        return InputRecorder::Region::window(backend.openBounds(window->id, width, height));
+    const std::uint32_t id = std::get<DisplaySource>(setup.screen.source).id;
+    const std::vector<DisplayInfo> displays = backend.displays();
+    CapturedArea area;
+    for (const DisplayInfo& display : displays)
+        if (display.id == id || (area.frame.empty() && display.main)) area.frame = display.frame;
+    area.picture = {area.frame.x, area.frame.y, static_cast<double>(width), static_cast<double>(height)};
+    return InputRecorder::Region::display(area);
+}
+
+void RecordingSession::start() {
+    makePrivateFolder(files.folder);
+    if (std::filesystem::exists(files.video())) {
+        recoverRecording(files.folder, services.screen.media, services.screen.log);
+        throw RecordingError(fmt::format("{}: holds a recording already", files.folder.string()));
+    }
+    journal = std::make_unique<RecordingJournal>(files.journal(), services.screen.clock);
+    try {
+        recorder = std::make_unique<ScreenRecorder>(setup.screen, services.screen);
+        recorder->onStop = onStop;
+        recorder->start(files.video(), journal.get());
+        input = std::make_unique<InputRecorder>(region(), services.screen.screen.openInput(),
+                                                services.screen.clock, journal.get());
+        input->start();
+    } catch (...) {
+        input.reset();
+        recorder.reset();
+        journal->remove();
+        std::error_code ignored;
+        std::filesystem::remove(files.video(), ignored);
+        throw;
+    }
+}
+
+InputLog RecordingSession::stop() {
+    std::exception_ptr failure;
+    try {
+        recorder->stop();
+    } catch (const RecordingError&) {
+        failure = std::current_exception();
+    }
+    InputLog log = input->stop(recorder->firstFrameTime().value_or(0));
+    input.reset();
+    if (failure) {
+        // Nothing to keep, unless the movie is there and can only not be read now.
+        if (!std::filesystem::exists(files.video())) journal->remove();
+        std::rethrow_exception(failure);
+    }
+    log.save(files.input());
+    saveActivity(recorder->activity().samples(), files.activity());
+    journal->remove();
+    return log;
+}
+
+} // namespace RecordCore
