@@ -36,7 +36,7 @@ const std::vector<Room>& rooms() {
           "RecordCore/Rendering/", "RecordCore/Media/"}},
         {"RecordCore/Preview/",
          {"RecordCore/Model/", "RecordCore/Planning/", "RecordCore/Motion/", "RecordCore/Rendering/",
-          "RecordCore/Media/", "RecordCore/Export/Timeline.h", "RecordCore/Export/Composition.h"}},
+          "RecordCore/Media/", "RecordCore/Export/"}},
         {"RecordCore/Capture/X11/", {"RecordCore/Model/", "RecordCore/Media/", "RecordCore/Capture/"}},
         {"RecordCore/Capture/PipeWire/", {"RecordCore/Model/", "RecordCore/Media/", "RecordCore/Capture/"}},
         {"RecordCore/Capture/PulseAudio/", {"RecordCore/Model/", "RecordCore/Media/", "RecordCore/Capture/"}},
@@ -104,10 +104,10 @@ bool isStandard(std::string_view path) {
 
 /// The C library and the kernel's plain interfaces.
 bool isSystem(std::string_view path) {
-    static constexpr std::array<std::string_view, 17> plain{
-        "unistd.h",  "fcntl.h", "errno.h",  "signal.h", "poll.h",  "pthread.h",
-        "sched.h",   "time.h",  "dirent.h", "dlfcn.h",  "spawn.h", "malloc.h",
-        "termios.h", "pwd.h",   "stdlib.h", "string.h", "locale.h"};
+    static constexpr std::array<std::string_view, 19> plain{
+        "unistd.h", "fcntl.h",  "errno.h",  "signal.h",   "poll.h",   "pthread.h", "sched.h",
+        "time.h",   "dirent.h", "dlfcn.h",  "spawn.h",    "malloc.h", "termios.h", "pwd.h",
+        "stdlib.h", "string.h", "locale.h", "execinfo.h", "cxxabi.h"};
     return path.starts_with("sys/") || std::find(plain.begin(), plain.end(), path) != plain.end();
 }
 
