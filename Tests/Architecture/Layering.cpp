@@ -36,7 +36,7 @@ const std::vector<Room>& rooms() {
           "RecordCore/Rendering/", "RecordCore/Media/"}},
         {"RecordCore/Preview/",
          {"RecordCore/Model/", "RecordCore/Planning/", "RecordCore/Motion/", "RecordCore/Rendering/",
-          "RecordCore/Media/", "RecordCore/Export/"}},
+          "RecordCore/Media/", "RecordCore/Export/Timeline.h", "RecordCore/Export/FrameRenderer.h"}},
         {"RecordCore/Capture/X11/", {"RecordCore/Model/", "RecordCore/Media/", "RecordCore/Capture/"}},
         {"RecordCore/Capture/PipeWire/", {"RecordCore/Model/", "RecordCore/Media/", "RecordCore/Capture/"}},
         {"RecordCore/Capture/PulseAudio/", {"RecordCore/Model/", "RecordCore/Media/", "RecordCore/Capture/"}},
