@@ -2,6 +2,7 @@
 #include "RecordCore/Model/InputLog.h"
 #include "RecordCore/Model/Project.h"
 #include "RecordCore/Model/RecordingError.h"
+#include "RecordCore/Model/Uuid.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <csignal>
@@ -69,6 +70,14 @@ TEST(AtomicFile, ReplacesAndCreates) {
     struct stat facts {};
     ASSERT_EQ(::stat(file.c_str(), &facts), 0);
     EXPECT_EQ(facts.st_mode & 077, 0u) << "what was recorded is for its owner";
+}
+
+TEST(AtomicFile, WritesBesideTheFileWhateverDiskItIsOn) {
+    const std::filesystem::path memory = "/dev/shm";
+    if (::access(memory.c_str(), W_OK) != 0) GTEST_SKIP() << "no second file system to write to";
+    const auto file = memory / ("ombrel-test-" + Uuid::fresh().text());
+    EXPECT_EQ(failure([&] { writeFileAtomically(file, "x"); }), "");
+    std::filesystem::remove(file);
 }
 
 TEST(AtomicFile, FullDiskLeavesTheOldFileAndNothingElse) {

@@ -1,5 +1,5 @@
-#include "RecordCore/Model/InputLog.h"
 #include "RecordCore/Model/ActivitySample.h"
+#include "RecordCore/Model/InputLog.h"
 #include "RecordCore/Model/RecordingError.h"
 #include "Tests/Support/TemporaryFolder.h"
 

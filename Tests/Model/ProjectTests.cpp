@@ -274,34 +274,34 @@ TEST(Project, CropChangesFactsActivityAndInputTogether) {
     const SourceInfo info{1920, 1080, 12.5, 60, true};
     const std::vector<ActivitySample> samples{
         {0, 0.5, {}},
-        {1, 0.5, NRect{0.25, 0.25, 0.5, 0.5}}, // covers the crop and more
-        {2, 0.5, NRect{0.5, 0.5, 0.125, 0.125}},
-        {3, 0.5, NRect{0, 0, 0.25, 0.25}},     // touches the crop's corner only
-        {4, 0.5, NRect{0, 0.5, 0.375, 0.125}}, // reaches in from the left
+        {1, 0.5, NRect{0.125, 0.25, 0.875, 0.75}}, // covers the crop and more
+        {2, 0.5, NRect{0.5, 0.625, 0.125, 0.0625}},
+        {3, 0.5, NRect{0, 0, 0.25, 0.5}},        // touches the crop's corner only
+        {4, 0.5, NRect{0, 0.5, 0.375, 0.03125}}, // reaches in from the left
     };
     InputLog log;
-    log.cursor = {{0, 0.5, 0.5}, {1, 0, 1}};
+    log.cursor = {{0, 0.5, 0.625}, {1, 0, 1}};
     log.events = {{1, InputLog::Event::Kind::click, 0.25, 0.75}, {2, InputLog::Event::Kind::key, {}, {}}};
     log.keysTracked = false;
     log.cameraOffset = 0.25;
 
     Project p;
-    p.crop = NRect{0.25, 0.25, 0.5, 0.5};
+    p.crop = NRect{0.25, 0.5, 0.5, 0.25};
     const auto [newInfo, newSamples, newLog] = p.cropped(info, samples, log);
-    EXPECT_EQ(newInfo, (SourceInfo{960, 540, 12.5, 60, true}));
+    EXPECT_EQ(newInfo, (SourceInfo{960, 270, 12.5, 60, true}));
     EXPECT_THAT(newSamples,
                 ElementsAre(ActivitySample{0, 0.5, {}}, ActivitySample{1, 0.5, NRect::full()},
                             ActivitySample{2, 0.5, NRect{0.5, 0.5, 0.25, 0.25}}, ActivitySample{3, 0, {}},
-                            ActivitySample{4, 0.5, NRect{0, 0.5, 0.25, 0.25}}));
+                            ActivitySample{4, 0.5, NRect{0, 0, 0.25, 0.125}}));
     ASSERT_TRUE(newLog);
     InputLog expected = log;
-    expected.cursor = {{0, 0.5, 0.5}, {1, -0.5, 1.5}};
+    expected.cursor = {{0, 0.5, 0.5}, {1, -0.5, 2}};
     expected.events[0].x = 0.0;
     expected.events[0].y = 1.0;
     EXPECT_EQ(*newLog, expected);
     EXPECT_EQ(p.cropped(log), expected);
     EXPECT_FALSE(p.cropped(info, samples, std::nullopt).log);
-    EXPECT_DOUBLE_EQ(p.sourceAspect(info), 16.0 / 9);
+    EXPECT_DOUBLE_EQ(p.sourceAspect(info), 32.0 / 9);
 
     for (const NRect& tooSmall : {NRect{0, 0, 0.01, 1}, NRect{0, 0, 1, 0.01}, NRect{0, 0, -1, 1}}) {
         p.crop = tooSmall;
