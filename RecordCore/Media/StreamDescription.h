@@ -20,9 +20,10 @@ enum class Codec { h264, hevc, aac };
 /// What a muxer must know about a stream of packets.
 struct StreamDescription {
     Codec codec = Codec::h264;
-    std::vector<std::uint8_t> extradata; ///< avcC-style or Annex B parameter sets, AudioSpecificConfig
-    TimeBase timeBase;                   ///< of the packets' times
-    std::int64_t bitrate = 0;            ///< bits per second, 0: unknown
+    /// The avcC or hvcC record (packets then hold NAL units after 4-byte lengths), AudioSpecificConfig.
+    std::vector<std::uint8_t> extradata;
+    TimeBase timeBase;        ///< of the packets' times
+    std::int64_t bitrate = 0; ///< bits per second, 0: unknown
 
     // Video only.
     int width = 0;

@@ -19,4 +19,8 @@ SourceInfo sourceInfo(const std::filesystem::path& file);
 std::unique_ptr<VideoReader> openVideo(const std::filesystem::path& file, int threads);
 std::vector<std::unique_ptr<SoundReader>> openSound(const std::filesystem::path& file);
 
+std::unique_ptr<SoundEncoder> makeSoundEncoder(std::int64_t bitrate, PacketSink sink);
+std::unique_ptr<MovieWriter> createMovie(const std::filesystem::path& file, MovieLayout layout);
+bool recoverMovie(const std::filesystem::path& file);
+
 } // namespace RecordCore::FFmpeg

@@ -1,0 +1,518 @@
+#include "RecordCore/Media/FFmpeg/FFmpegMedia.h"
+#include "RecordCore/Media/X264/X264Encoder.h"
+#include "RecordCore/Model/AtomicFile.h"
+#include "RecordCore/Model/RecordingError.h"
+#include "Tests/Media/Clips.h"
+#include "Tests/Support/TemporaryFolder.h"
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <csignal>
+#include <cstring>
+#include <numbers>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace RecordCore;
+
+namespace {
+
+constexpr int width = 160;
+constexpr int height = 96;
+
+/// A grey picture with a bright bar whose place tells the number.
+class Drawing {
+public:
+    Drawing() : bytes(static_cast<std::size_t>(width * height * 3 / 2), 128) {}
+
+    PlanarView frame(int number) {
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x)
+                bytes[static_cast<std::size_t>(y * width + x)] =
+                    static_cast<std::uint8_t>((x + y + number * 3) % 96 < 16 ? 220 : 60 + (x ^ y) % 32);
+        return view();
+    }
+    PlanarView flat(int luma) {
+        std::fill(bytes.begin(), bytes.begin() + width * height, static_cast<std::uint8_t>(luma));
+        return view();
+    }
+    PlanarView view() const {
+        const std::uint8_t* data = bytes.data();
+        return {{data, data + width * height, data + width * height * 5 / 4},
+                {width, width / 2, width / 2},
+                width,
+                height};
+    }
+
+private:
+    std::vector<std::uint8_t> bytes;
+};
+
+VideoSettings settings(bool realTime) {
+    VideoSettings result;
+    result.width = width;
+    result.height = height;
+    result.bitrate = 400'000;
+    result.realTime = realTime;
+    result.threads = 2;
+    if (realTime) result.timeBase = {1, 1'000'000};
+    return result;
+}
+
+/// Encoders and a writer joined, as a recorder or an exporter joins them.
+class Movie {
+public:
+    Movie(const std::filesystem::path& file, MovieLayout layout, const VideoSettings& wanted,
+          bool withSound) :
+        writer(FFmpeg::createMovie(file, layout)),
+        video(
+            X264::makeEncoder(wanted, [this](const Packet& packet) { writer->write(videoTrack, packet); })) {
+        videoTrack = writer->addTrack(video->description());
+        if (withSound) {
+            sound = FFmpeg::makeSoundEncoder(
+                192'000, [this](const Packet& packet) { writer->write(soundTrack, packet); });
+            soundTrack = writer->addTrack(sound->description());
+        }
+        writer->begin();
+    }
+
+    std::unique_ptr<MovieWriter> writer;
+    std::unique_ptr<VideoEncoder> video;
+    std::unique_ptr<SoundEncoder> sound;
+    int videoTrack = 0;
+    int soundTrack = 0;
+};
+
+std::string messageOf(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const RecordingError& error) {
+        return error.what();
+    }
+    return "(no error)";
+}
+
+/// The time at which a lasting loudness begins.
+double onset(SoundReader& reader, double from) {
+    std::vector<float> samples(static_cast<std::size_t>(soundRate) * 2);
+    const auto first = std::llround(from * soundRate);
+    reader.read(first, samples);
+    for (std::size_t i = 0; i < samples.size(); i += 2)
+        if (std::abs(samples[i]) > 0.1F)
+            return static_cast<double>(first + static_cast<std::int64_t>(i / 2)) / soundRate;
+    return -1;
+}
+
+double flash(VideoReader& reader) {
+    while (const auto frame = reader.next())
+        if (patch(frame->picture, 0.5, 0.5)[0] > 150) return frame->time;
+    return -1;
+}
+
+/// Dark and silent, but for a flash and a beep that begin at the same instant and last.
+void flashAndBeep(Movie& movie, double at, double length, TimeBase base) {
+    Drawing drawing;
+    const int frames = static_cast<int>(length * 30);
+    std::vector<float> samples;
+    for (int i = 0; i < frames; ++i) {
+        const double time = i / 30.0;
+        movie.video->encode(drawing.flat(time >= at - 1e-9 ? 200 : 40),
+                            std::llround(time * base.den / base.num), {});
+        samples.clear();
+        for (std::int64_t s = std::int64_t{i} * soundRate / 30; s < std::int64_t{i + 1} * soundRate / 30;
+             ++s) {
+            const double t = static_cast<double>(s) / soundRate;
+            const auto value =
+                static_cast<float>(t < at ? 0.0 : 0.5 * std::cos(2 * std::numbers::pi * 1000 * (t - at)));
+            samples.insert(samples.end(), {value, value});
+        }
+        movie.sound->encode(samples);
+    }
+    movie.video->finish(std::llround(length * base.den / base.num));
+    movie.sound->finish();
+}
+
+TEST(Film, KeepsFlashAndBeepTogether) {
+    const TemporaryFolder folder;
+    for (const bool reordered : {false, true}) {
+        const auto file = folder / (reordered ? "reordered.mp4" : "film.mp4");
+        VideoSettings wanted = settings(false);
+        wanted.freeStills = !reordered; // without it the encoder reorders frames
+        Movie movie(file, MovieLayout::film, wanted, true);
+        flashAndBeep(movie, 1.5, 3, wanted.timeBase);
+        EXPECT_FALSE(std::filesystem::exists(file));
+        movie.writer->finish();
+
+        const auto video = FFmpeg::openVideo(file, 1);
+        EXPECT_NEAR(video->info().duration, 3, 1e-3);
+        EXPECT_NEAR(flash(*video), 1.5, 1e-6);
+        auto sounds = FFmpeg::openSound(file);
+        ASSERT_EQ(sounds.size(), 1U);
+        EXPECT_NEAR(onset(*sounds[0], 1), 1.5, 0.002);
+        EXPECT_NEAR(static_cast<double>(sounds[0]->end()) / soundRate, 3, 0.025);
+
+        // As another player sees it: all that starts, starts at 0, and decoded sound begins where it should.
+        EXPECT_EQ(ffprobe("-show_entries stream=start_time " + file.string()), "0.000000\n0.000000\n");
+        const auto wave = folder / "sound.raw";
+        ffmpeg("-i " + file.string() + " -f f32le -ac 1 " + wave.string());
+        const std::string bytes = readFile(wave);
+        std::size_t first = 0;
+        for (float value = 0; std::abs(value) < 0.1F; ++first)
+            std::memcpy(&value, bytes.data() + first * 4, 4);
+        EXPECT_NEAR(static_cast<double>(first) / soundRate, 1.5, 0.002);
+        // The index stands before the pictures.
+        const std::string whole = readFile(file);
+        EXPECT_LT(whole.find("moov"), whole.find("mdat"));
+    }
+}
+
+TEST(Film, LeavesNothingUnlessItIsWhole) {
+    const TemporaryFolder folder;
+    const auto file = folder / "film.mp4";
+    writeFileAtomically(file, "an old film");
+    {
+        Movie movie(file, MovieLayout::film, settings(false), true);
+        flashAndBeep(movie, 0.1, 0.5, {1, 60});
+    }
+    EXPECT_EQ(readFile(file), "an old film");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1);
+    {
+        Movie movie(file, MovieLayout::film, settings(false), true);
+        flashAndBeep(movie, 0.1, 0.5, {1, 60});
+        movie.writer->finish();
+    }
+    EXPECT_EQ(FFmpeg::sourceInfo(file).duration, 0.5);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1);
+}
+
+TEST(Film, NamesTheFileThatCannotBeWritten) {
+    const TemporaryFolder folder;
+    std::filesystem::create_directory(folder / "folder.mp4");
+    for (const auto& [name, cause] :
+         {std::pair{"none/film.mp4", "cannot be written: No such file or directory"},
+          std::pair{"folder.mp4", "cannot be written: Is a directory"}}) {
+        const auto file = folder / name;
+        for (const MovieLayout layout : {MovieLayout::film, MovieLayout::recording})
+            EXPECT_EQ(messageOf([&] { FFmpeg::createMovie(file, layout); }), file.string() + ": " + cause);
+    }
+}
+
+/// Runs `action` in a process of its own that may write files of at most `limit` bytes; what it returns.
+int inChild(rlim_t limit, const std::function<int()>& action) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::signal(SIGXFSZ, SIG_IGN); // writing then fails with EFBIG, as it fails with ENOSPC on a full disk
+        const rlimit bound{limit, limit};
+        ::setrlimit(RLIMIT_FSIZE, &bound);
+        int result = 99;
+        try {
+            result = action();
+        } catch (...) {
+        }
+        ::_exit(result);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+TEST(Film, FullDiskIsAClearError) {
+    const TemporaryFolder folder;
+    const auto file = folder / "film.mp4";
+    // While packets come, and only when the index is written.
+    for (const rlim_t limit : {20'000U, 60'000U}) {
+        const int result = inChild(limit, [&] {
+            const std::string message = messageOf([&] {
+                Movie movie(file, MovieLayout::film, settings(false), true);
+                flashAndBeep(movie, 0.1, 2.5, {1, 60});
+                movie.writer->finish();
+            });
+            return message == file.string() + ": cannot be written: File too large" ? 0 : 1;
+        });
+        EXPECT_EQ(result, 0) << limit;
+        EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+    }
+}
+
+TEST(Recording, FullDiskKeepsWhatIsThere) {
+    const TemporaryFolder folder;
+    const auto file = folder / "recording.mp4";
+    const int result = inChild(60'000, [&] {
+        Movie movie(file, MovieLayout::recording, settings(true), true);
+        const std::string message = messageOf([&] { flashAndBeep(movie, 0.1, 20, {1, 1'000'000}); });
+        if (message != file.string() + ": cannot be written: File too large") return 1;
+        movie.writer->finish();
+        return 0;
+    });
+    ASSERT_EQ(result, 0);
+    const auto video = FFmpeg::openVideo(file, 1);
+    EXPECT_GT(video->info().duration, 0.9);
+    EXPECT_GT(restOfTimes(*video).size(), 25U);
+}
+
+TEST(Recording, BecomesAPlainFileThatHoldsTheLastFrame) {
+    const TemporaryFolder folder;
+    const auto file = folder / "recording.mp4";
+    Movie movie(file, MovieLayout::recording, settings(true), true);
+    flashAndBeep(movie, 1.5, 3, {1, 1'000'000});
+    // The header and all but the last second are on the disk.
+    struct stat facts {};
+    ASSERT_EQ(::stat(file.c_str(), &facts), 0);
+    EXPECT_EQ(facts.st_mode & 0777U, 0600U);
+    EXPECT_NEAR(FFmpeg::sourceInfo(file).duration, 2.4, 0.6);
+    movie.writer->setEnd(movie.videoTrack, 7'250'000); // then the screen stood still until the stop
+    movie.writer->finish();
+
+    EXPECT_EQ(readFile(file).find("moof"), std::string::npos);
+    EXPECT_LT(readFile(file).find("moov"), readFile(file).find("mdat"));
+    ASSERT_EQ(::stat(file.c_str(), &facts), 0);
+    EXPECT_EQ(facts.st_mode & 0777U, 0600U);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1);
+    const auto video = FFmpeg::openVideo(file, 1);
+    EXPECT_NEAR(video->info().duration, 7.25, 1e-3);
+    EXPECT_NEAR(flash(*video), 1.5, 1e-5);
+    auto sounds = FFmpeg::openSound(file);
+    ASSERT_EQ(sounds.size(), 1U);
+    EXPECT_NEAR(onset(*sounds[0], 1), 1.5, 0.002);
+    EXPECT_FALSE(FFmpeg::recoverMovie(file)) << "a whole file is left alone";
+}
+
+TEST(Recording, SurvivesAKill) {
+    const TemporaryFolder folder;
+    const auto file = folder / "recording.mp4";
+    std::array<int, 2> pipe{};
+    ASSERT_EQ(::pipe(pipe.data()), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        // Records until it is killed and reports the time of every frame it has handed to the writer; the
+        // sound starts late, as a microphone may.
+        Movie movie(file, MovieLayout::recording, settings(true), true);
+        Drawing drawing;
+        const std::vector<float> silence(1600 * 2);
+        for (int i = 0;; ++i) {
+            const double time = i / 30.0;
+            movie.video->encode(drawing.frame(i), std::llround(time * 1e6), {});
+            if (i > 5) movie.sound->encode(silence);
+            movie.writer->tick();
+            if (::write(pipe[1], &time, sizeof time) != sizeof time) ::_exit(1);
+            if (i == 200) ::pause();
+        }
+    }
+    double last = 0;
+    while (last < 200 / 30.0 - 1e-9)
+        ASSERT_EQ(::read(pipe[0], &last, sizeof last), static_cast<ssize_t>(sizeof last));
+    ::kill(child, SIGKILL);
+    ::waitpid(child, nullptr, 0);
+    ::close(pipe[0]);
+    ::close(pipe[1]);
+    // What a copy that was under way leaves behind goes, too.
+    writeFileAtomically(folder / ".recording.mp4.0123abcd.part", "half");
+
+    const double before = FFmpeg::sourceInfo(file).duration;
+    EXPECT_GT(before, last - 1);
+    EXPECT_TRUE(FFmpeg::recoverMovie(file));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1);
+    EXPECT_EQ(readFile(file).find("moof"), std::string::npos);
+    const auto video = FFmpeg::openVideo(file, 1);
+    const std::vector<double> times = restOfTimes(*video);
+    EXPECT_GT(times.back(), last - 1);
+    EXPECT_EQ(times.size(), static_cast<std::size_t>(std::llround(times.back() * 30)) + 1)
+        << "no frame in between is lost";
+    EXPECT_FALSE(FFmpeg::recoverMovie(file));
+
+    // The end of the disk may also fall into the middle of a fragment.
+    const std::string whole = readFile(file);
+    EXPECT_THAT(messageOf([&] { FFmpeg::recoverMovie(folder / "none.mp4"); }),
+                testing::HasSubstr("No such file"));
+    writeFileAtomically(folder / "header.mp4", whole.substr(0, 20));
+    EXPECT_THAT(messageOf([&] { FFmpeg::recoverMovie(folder / "header.mp4"); }),
+                testing::HasSubstr("nothing can be recovered"));
+}
+
+TEST(Recording, RecoversFromACutAnywhere) {
+    const TemporaryFolder folder;
+    const auto file = folder / "recording.mp4";
+    {
+        Movie movie(file, MovieLayout::recording, settings(true), true);
+        flashAndBeep(movie, 1.5, 4, {1, 1'000'000});
+    } // ends without `finish`
+    const std::string whole = readFile(file);
+    double before = 0;
+    for (const double part : {0.4, 0.55, 0.7, 0.836, 0.84, 0.85, 1.0}) {
+        writeFileAtomically(
+            file, whole.substr(0, static_cast<std::size_t>(static_cast<double>(whole.size()) * part)));
+        ASSERT_TRUE(FFmpeg::recoverMovie(file)) << part;
+        const auto video = FFmpeg::openVideo(file, 1);
+        const auto times = restOfTimes(*video);
+        EXPECT_GE(times.back(), before);
+        EXPECT_GT(times.back(), 4 * part - 1.2) << part;
+        before = times.back();
+    }
+    EXPECT_NEAR(before, 4 - 1 / 30.0, 1e-5);
+}
+
+// --- Repeated frames ------------------------------------------------------------------------------------
+
+struct StillCase {
+    std::string name;
+    std::string preset;
+    int threads;
+    bool realTime;
+};
+void PrintTo(const StillCase& c, std::ostream* out) {
+    *out << c.name;
+}
+
+class Stills : public testing::TestWithParam<StillCase> {};
+
+/// Encodes frames, of which every second run stands still, and returns the fingerprints of what is decoded.
+std::vector<std::uint64_t> encodeAndDecode(const std::filesystem::path& file, const VideoSettings& wanted,
+                                           const std::vector<bool>& repeats, bool leaveOut, bool hints) {
+    Movie movie(file, MovieLayout::film, wanted, false);
+    Drawing drawing;
+    std::vector<std::uint8_t> changed(std::size_t{width / 16} * (height / 16));
+    std::vector<std::uint8_t> before;
+    int number = 0;
+    const auto scale = wanted.timeBase.den / 60;
+    for (std::size_t i = 0; i < repeats.size(); ++i) {
+        const auto pts = static_cast<std::int64_t>(i) * scale;
+        if (repeats[i]) {
+            if (!leaveOut) movie.video->repeat(pts);
+            continue;
+        }
+        const PlanarView view = drawing.frame(++number);
+        std::vector<std::uint8_t> luma(view.planes[0], view.planes[0] + width * height);
+        for (int block = 0; !before.empty() && block < width / 16 * (height / 16); ++block) {
+            const int left = block % (width / 16) * 16;
+            const int top = block / (width / 16) * 16;
+            bool differs = false;
+            for (int y = top; y < top + 16; ++y)
+                differs =
+                    differs || std::memcmp(&luma[static_cast<std::size_t>(y * width + left)],
+                                           &before[static_cast<std::size_t>(y * width + left)], 16) != 0;
+            changed[static_cast<std::size_t>(block)] = differs ? 1 : 0;
+        }
+        FrameHints frameHints;
+        if (hints && !before.empty()) frameHints.changedBlocks = changed;
+        before = std::move(luma);
+        movie.video->encode(view, pts, frameHints);
+    }
+    const auto end = static_cast<std::int64_t>(repeats.size()) * scale;
+    movie.video->finish(end);
+    movie.writer->setEnd(movie.videoTrack, end);
+    movie.writer->finish();
+
+    std::vector<std::uint64_t> prints;
+    const auto reader = FFmpeg::openVideo(file, 1);
+    while (const auto frame = reader->next())
+        prints.push_back(fingerprint(frame->picture));
+    return prints;
+}
+
+TEST_P(Stills, RepeatsEqualTheFrameBeforeAndChangeNoOther) {
+    const StillCase& c = GetParam();
+    const TemporaryFolder folder;
+    VideoSettings wanted = settings(c.realTime);
+    wanted.preset = c.preset;
+    wanted.threads = c.threads;
+    wanted.timeBase = {1, 600};
+    // Runs of all lengths below the ten frames after which a still is refined; more pictures than a frame
+    // number has values, many of them between two key frames.
+    std::vector<bool> repeats;
+    for (int run = 0; repeats.size() < 400; ++run) {
+        repeats.insert(repeats.end(), static_cast<std::size_t>(1 + run % 4), false);
+        repeats.insert(repeats.end(), static_cast<std::size_t>(run % 10), true);
+    }
+    const auto file = folder / "with.mp4";
+    const auto with = encodeAndDecode(file, wanted, repeats, false, false);
+    ASSERT_EQ(with.size(), repeats.size());
+    // The same frames without the repeats, key frames at the same places: the same pictures. (Real-time rate
+    // control goes by the frames' times, which are the same.)
+    const auto reader = FFmpeg::openVideo(file, 1);
+    const auto times = restOfTimes(*reader);
+    for (std::size_t i = 0; i < times.size(); ++i)
+        EXPECT_NEAR(times[i], static_cast<double>(i) / 60, 1e-6);
+    if (!c.realTime) wanted.keyInterval = 1'000'000;
+    const auto all = encodeAndDecode(folder / "all.mp4", wanted, repeats, false, false);
+    for (std::size_t i = 0; i < repeats.size(); ++i)
+        EXPECT_TRUE(!repeats[i] || all[i] == all[i - 1]) << "repeat " << i;
+    const auto without = encodeAndDecode(folder / "without.mp4", wanted, repeats, true, false);
+    std::vector<std::uint64_t> own;
+    for (std::size_t i = 0; i < repeats.size(); ++i)
+        if (!repeats[i]) own.push_back(all[i]);
+    EXPECT_EQ(own, without);
+
+    // A strict decoder finds nothing to complain about, and sees as many frames, with keys often enough.
+    ffmpeg("-err_detect explode -xerror -i " + file.string() + " -f null -");
+    const std::string keys =
+        ffprobe("-select_streams v -skip_frame nokey -show_entries frame=pts_time " + file.string());
+    EXPECT_GE(std::count(keys.begin(), keys.end(), '\n'), 4);
+}
+
+INSTANTIATE_TEST_SUITE_P(Presets, Stills,
+                         testing::Values(StillCase{"veryfast", "veryfast", 1, false},
+                                         StillCase{"superfastThreads", "superfast", 3, false},
+                                         StillCase{"medium", "medium", 2, false},
+                                         StillCase{"ultrafastWithoutCabac", "ultrafast", 1, false},
+                                         StillCase{"realTime", "superfast", 2, true}),
+                         [](const auto& one) { return one.param.name; });
+
+TEST(LongStills, AreRefinedAndKeyed) {
+    const TemporaryFolder folder;
+    // Motion, then a still of four seconds.
+    std::vector<bool> repeats(60, false);
+    repeats.resize(300, true);
+    const auto file = folder / "film.mp4";
+    for (const bool hints : {false, true}) {
+        const auto prints = encodeAndDecode(file, settings(false), repeats, false, hints);
+        ASSERT_EQ(prints.size(), 300U);
+        // Only the refinements and the key frames in the still are new pictures.
+        std::vector<std::size_t> changes;
+        for (std::size_t i = 60; i < prints.size(); ++i)
+            if (prints[i] != prints[i - 1]) changes.push_back(i);
+        EXPECT_THAT(changes, testing::ElementsAre(69, 120, 130, 240, 250));
+
+        // The still ends closer to what was drawn than it began.
+        Drawing drawing;
+        const PlanarView drawn = drawing.frame(60);
+        const auto error = [&](double time) {
+            const auto reader = FFmpeg::openVideo(file, 1);
+            reader->seek(time);
+            const auto frame = reader->next();
+            double sum = 0;
+            for (int y = 0; y < height; ++y)
+                for (int x = 0; x < width; ++x) {
+                    const double d = frame->picture.planes[0][y * frame->picture.strides[0] + x] -
+                                     drawn.planes[0][y * width + x];
+                    sum += d * d;
+                }
+            return sum / (width * height);
+        };
+        EXPECT_LT(error(4.5), error(1.0));
+        const auto size = std::filesystem::file_size(file);
+        EXPECT_LT(size, 400'000 / 8 * 5 * 1.3);
+    }
+}
+
+TEST(X264Encoder, PlainPathKeepsEveryFrame) {
+    const TemporaryFolder folder;
+    VideoSettings wanted = settings(false);
+    wanted.freeStills = false;
+    wanted.keyInterval = 50;
+    std::vector<bool> repeats(90, false);
+    for (std::size_t i = 20; i < 50; ++i)
+        repeats[i] = true;
+    EXPECT_EQ(encodeAndDecode(folder / "film.mp4", wanted, repeats, false, false).size(), 90U);
+    ffmpeg("-err_detect explode -xerror -i " + (folder / "film.mp4").string() + " -f null -");
+    EXPECT_EQ(ffprobe("-select_streams v -show_entries stream=profile,color_range,color_space,color_transfer,"
+                      "color_primaries " +
+                      (folder / "film.mp4").string()),
+              "High,tv,bt709,bt709,bt709\n");
+}
+
+} // namespace
