@@ -1,0 +1,19 @@
+#pragma once
+
+#include <atomic>
+
+namespace OmbrelRecord {
+
+/// While it lives, Ctrl-C and a polite request to terminate set a flag instead of ending the program; the
+/// second one ends it at once. One at a time.
+class Interrupt {
+public:
+    Interrupt();
+    ~Interrupt();
+    Interrupt(const Interrupt&) = delete;
+    Interrupt& operator=(const Interrupt&) = delete;
+
+    const std::atomic<bool>& requested() const;
+};
+
+} // namespace OmbrelRecord
