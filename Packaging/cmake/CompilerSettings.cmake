@@ -17,7 +17,7 @@ add_compile_options(-ffp-contract=off)
 add_library(ombrelWarnings INTERFACE)
 target_compile_options(ombrelWarnings INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow=local -Wconversion -Wno-sign-conversion -Wnon-virtual-dtor
-  -Woverloaded-virtual -Wcast-align -Wnull-dereference -Wimplicit-fallthrough
+  -Woverloaded-virtual -Wcast-align -Wimplicit-fallthrough
   $<$<BOOL:${OMBREL_WARNINGS_AS_ERRORS}>:-Werror>)
 
 if(OMBREL_SANITIZERS)

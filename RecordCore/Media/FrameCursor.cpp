@@ -11,6 +11,7 @@ constexpr double nearly = 0.000001;
 FrameCursor::FrameCursor(std::unique_ptr<VideoReader> reader) : reader(std::move(reader)) {}
 
 const VideoFrame* FrameCursor::at(double seconds) {
+    unchanged = true;
     const bool back = current && seconds + nearly < current->time;
     if (back) {
         next.reset();
@@ -18,6 +19,7 @@ const VideoFrame* FrameCursor::at(double seconds) {
     }
     if (!started || back) {
         started = true;
+        unchanged = false;
         if (!back) reader->skipTo(seconds);
         current = reader->next();
         if (current) next = reader->next();
@@ -26,6 +28,7 @@ const VideoFrame* FrameCursor::at(double seconds) {
     }
     while (next && next->time <= seconds + nearly) {
         current = std::exchange(next, std::nullopt);
+        unchanged = false;
         next = reader->next();
     }
     return current ? &*current : nullptr;

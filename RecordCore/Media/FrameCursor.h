@@ -17,6 +17,9 @@ public:
     /// The frame on show; none when the video has no frames. It stays valid until the next call.
     const VideoFrame* at(double seconds);
 
+    /// Whether the last `at` returned the same frame as the one before it.
+    bool same() const { return unchanged; }
+
     const SourceInfo& info() const { return reader->info(); }
 
 private:
@@ -24,6 +27,7 @@ private:
     std::optional<VideoFrame> current;
     std::optional<VideoFrame> next;
     bool started = false;
+    bool unchanged = false;
 };
 
 } // namespace RecordCore

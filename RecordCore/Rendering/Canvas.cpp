@@ -87,7 +87,7 @@ Canvas::Canvas(std::shared_ptr<const Compositor> compositor, int threads) :
 Canvas::~Canvas() = default;
 
 const Picture& Canvas::frame(const PlanarView& source, const FrameState& state, const PlanarView* camera,
-                             FrameHints hints) {
+                             SourceHints hints) {
     const bool usableSource = !source.empty() && source.width > 0 && source.height > 0;
     const PlanarView& input = usableSource ? source : nothing.view();
     std::fill(dirty.begin(), dirty.end(), std::uint8_t{0});

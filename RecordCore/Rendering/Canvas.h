@@ -14,7 +14,7 @@
 namespace RecordCore {
 
 /// What the caller knows about the pictures it hands in; saves comparing them.
-struct FrameHints {
+struct SourceHints {
     bool sameSource = false; ///< the source picture equals that of the frame before, sample for sample
     bool sameCamera = false; ///< likewise the camera picture
 };
@@ -32,7 +32,7 @@ public:
     /// window is black; without a camera no bubble is drawn. The picture returned stays as it is until the
     /// next call.
     const Picture& frame(const PlanarView& source, const FrameState& state,
-                         const PlanarView* camera = nullptr, FrameHints hints = {});
+                         const PlanarView* camera = nullptr, SourceHints hints = {});
 
     /// The picture shown.
     const Picture& picture() const { return shown; }

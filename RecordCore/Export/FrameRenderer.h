@@ -1,0 +1,72 @@
+#pragma once
+
+#include "RecordCore/Media/FrameCursor.h"
+#include "RecordCore/Media/VideoEncoder.h"
+#include "RecordCore/Model/RecordingError.h"
+#include "RecordCore/Motion/Scene.h"
+#include "RecordCore/Rendering/Canvas.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace RecordCore {
+
+/// The camera video beside a screen video.
+struct CameraSource {
+    std::unique_ptr<FrameCursor> frames;
+    double offset = 0; ///< camera time = source time − offset
+
+    /// The camera's picture at a source time; none where the camera has no footage. Valid until the next call.
+    const PlanarView* at(double sourceTime);
+    /// Whether the last `at` returned the same picture as the one before it.
+    bool same() const { return frames->same() && shownBefore; }
+
+private:
+    bool shown = false;
+    bool shownBefore = false;
+};
+
+/// The export's frame pump: for every output frame it finds the source frame on show, composes it and hands
+/// it to the encoder. One thread.
+class FrameRenderer {
+public:
+    struct Parts {
+        const Scene& scene;
+        Canvas& canvas;
+        FrameCursor& source;
+        CameraSource* camera; ///< may be null
+        VideoEncoder& encoder;
+        double fps;
+    };
+
+    /// `progress` hears the share done, after every 30th frame.
+    FrameRenderer(const Parts& parts, std::function<void(double)> progress);
+
+    /// Appends one output frame; true while more may follow. After a failure false, with `error` set.
+    bool appendNext();
+
+    const std::optional<RecordingError>& error() const { return failure; }
+    std::int64_t framesDone() const { return index; }
+    std::int64_t total() const { return count; }
+    /// Frames that equalled the one before and cost (next to) nothing.
+    std::int64_t framesRepeated() const { return repeated; }
+
+private:
+    void append();
+
+    Parts parts;
+    std::function<void(double)> progress;
+    std::int64_t index = 0;
+    std::int64_t count;
+    std::int64_t repeated = 0;
+    std::optional<RecordingError> failure;
+};
+
+/// Composes the frame on show at output time `seconds` on the canvas. The one place that joins scene, source,
+/// camera and canvas, for film, still and preview alike. Throws RecordingError when the source has no frames.
+const Picture& composeFrame(const Scene& scene, Canvas& canvas, FrameCursor& source, CameraSource* camera,
+                            double seconds);
+
+} // namespace RecordCore
