@@ -203,9 +203,16 @@ void X11ScreenStream::handle(const xcb_generic_event_t& event) {
             end("the window was closed");
         else
             stale = true;
-    } else if (client != 0 && (type == XCB_CONFIGURE_NOTIFY || type == XCB_MAP_NOTIFY ||
-                               type == XCB_UNMAP_NOTIFY || type == XCB_REPARENT_NOTIFY)) {
+    } else if (client != 0 && type == XCB_CONFIGURE_NOTIFY) {
+        const auto& change = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
         stale = true;
+        if (place && change.window == place->frame &&
+            (change.width != place->frameWidth || change.height != place->frameHeight))
+            renew = true;
+    } else if (client != 0 &&
+               (type == XCB_MAP_NOTIFY || type == XCB_UNMAP_NOTIFY || type == XCB_REPARENT_NOTIFY)) {
+        stale = true;
+        renew = true;
     } else if (type == XCB_PROPERTY_NOTIFY) {
         if (reinterpret_cast<const xcb_property_notify_event_t&>(event).atom == frameExtents) stale = true;
     }
@@ -251,10 +258,16 @@ void X11ScreenStream::refreshWindow() {
         damage = xcb_generate_id(c);
         xcb_damage_create(c, damage, place->frame, XCB_DAMAGE_REPORT_LEVEL_NON_EMPTY);
     }
-    const bool moved = before && before->viewable && place->viewable && drawable != 0 &&
-                       before->width == place->width && before->height == place->height &&
-                       before->frame == place->frame && before->x == place->x && before->y == place->y;
-    if (moved) return; // the memory is the same
+    if (!place->viewable) {
+        // Minimised, perhaps squeezed for it: the last picture stays.
+        if (pixmap != 0) xcb_free_pixmap(c, pixmap);
+        pixmap = 0;
+        drawable = 0;
+        return;
+    }
+    const bool same = before && before->width == place->width && before->height == place->height &&
+                      before->x == place->x && before->y == place->y;
+    if (!std::exchange(renew, false) && drawable != 0 && same) return; // it has only moved
     namePixmap();
     if (picture.width() != 0) setContent(place->x, place->y, place->width, place->height);
     content = {place->x, place->y, place->width, place->height};

@@ -81,6 +81,7 @@ private:
     FramePacer pacer;
     bool dirty = true;
     bool stale = false; ///< the window's place has to be asked for again
+    bool renew = false; ///< the window's memory is another one
     bool ended = false;
     std::string endMessage;
 

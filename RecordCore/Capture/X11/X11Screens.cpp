@@ -141,6 +141,8 @@ std::optional<X11WindowPlace> x11WindowPlace(const X11Connection& connection, xc
     if (!frame || !attributes || !inner || !corner) return std::nullopt;
 
     place.borderWidth = frame->border_width;
+    place.frameWidth = frame->width;
+    place.frameHeight = frame->height;
     place.width = frame->width + 2 * frame->border_width;
     place.height = frame->height + 2 * frame->border_width;
     // Left, right, top, bottom of the shadow, inside the client window.

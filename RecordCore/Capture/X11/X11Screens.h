@@ -20,6 +20,8 @@ std::vector<WindowInfo> x11Windows(const X11Connection& connection);
 struct X11WindowPlace {
     xcb_window_t frame = 0; ///< the child of the root that holds it: the window manager's frame, or itself
     int borderWidth = 0;    ///< of the frame
+    int frameWidth = 0;     ///< of the frame, without its border
+    int frameHeight = 0;
     /// What counts as the window, relative to the outer corner of the frame (as in its pixmap): the whole
     /// frame, without the shadow that some programs draw around themselves.
     int x = 0;
