@@ -21,7 +21,8 @@ constexpr double keyInterval = 2;    // seconds between key frames
 constexpr double refineAfter = 0.25; // seconds: a still is sent once more, for quality
 constexpr double repeatEvery = 0.8;  // seconds: a still is repeated, so that a crash does not cost its length
 constexpr double dropReportEvery = 5; // seconds
-constexpr double upkeepEvery = 0.2;   // seconds
+constexpr double flushEvery = 0.7;    // seconds, the most a crash may take
+constexpr double upkeepEvery = 0.1;   // seconds
 
 FrameQueue::Deadline deadline(double hostTime, double now) {
     return std::chrono::steady_clock::now() +
@@ -195,6 +196,7 @@ void ScreenRecorder::encodeNext() {
     else
         encoder->encode(queue->current()->picture.view(), pts);
     refined = true;
+    stillWritten = true;
     lastPts = pts;
     lastWritten = idle;
     const std::lock_guard lock(mutex);

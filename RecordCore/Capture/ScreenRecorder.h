@@ -124,10 +124,12 @@ private:
     int videoTrack = 0;
     std::int64_t lastPts = -1;
     std::int64_t lastKey = 0;
-    double lastChange = 0;  ///< host clock time of the last changed frame
-    double lastWritten = 0; ///< host clock time of the last frame, changed or not
-    bool refined = false;   ///< the still picture was sent a second time
+    double lastChange = 0;     ///< host clock time of the last changed frame
+    double lastWritten = 0;    ///< host clock time of the last frame, changed or not
+    bool refined = false;      ///< the still picture was sent a second time
+    bool stillWritten = false; ///< and not yet on the disk
     double lastUpkeep = 0;
+    double lastFlush = 0;
     bool warned = false; ///< about the disk
     bool failed = false; ///< nothing more can be written
     std::int64_t droppedKnown = 0;

@@ -285,6 +285,11 @@ void FragmentWriter::tick() {
     if (oldest && Clock::now() - *oldest >= longestWait) flush();
 }
 
+void FragmentWriter::flushNow() {
+    const std::scoped_lock lock(mutex);
+    flush();
+}
+
 void FragmentWriter::flush() {
     if (!oldest) return;
     oldest.reset();

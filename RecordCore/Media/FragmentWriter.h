@@ -32,6 +32,7 @@ public:
     /// Times may not go back within a track. A packet before time 0 (priming aside) is left out.
     void write(int track, const Packet& packet);
     void tick();
+    void flushNow(); ///< see MovieWriter::flush
     /// Writes what is pending and closes the file.
     void close();
 

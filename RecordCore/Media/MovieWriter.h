@@ -30,6 +30,9 @@ public:
     virtual void write(int track, const Packet& packet) = 0;
     /// Recording only: closes and flushes the current fragment if it is older than a second.
     virtual void tick() {}
+    /// Recording only: closes and flushes the current fragment, however young. For a recorder that knows that
+    /// nothing more comes for a while.
+    virtual void flush() {}
     /// Where the last packet of a track ends, in the track's time base. Without it the last packet's own
     /// duration counts; a recorder that learns only at the stop how long the last frame stood tells it here,
     /// before `finish`.

@@ -17,6 +17,7 @@ public:
     void begin() override { fragments.begin(); }
     void write(int track, const Packet& packet) override { fragments.write(track, packet); }
     void tick() override { fragments.tick(); }
+    void flush() override { fragments.flushNow(); }
     void setEnd(int track, std::int64_t pts) override;
     void finish() override;
 
