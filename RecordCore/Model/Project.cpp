@@ -112,7 +112,7 @@ std::vector<TimeRange> merged(std::vector<TimeRange> ranges) {
 
 std::int64_t croppedLength(double share, std::int64_t length) {
     const double pixels = std::trunc(share * static_cast<double>(length));
-    constexpr double most = static_cast<double>(std::numeric_limits<std::int64_t>::max() / 2);
+    constexpr double most = static_cast<double>(std::numeric_limits<std::int64_t>::max()) / 2;
     return std::max<std::int64_t>(static_cast<std::int64_t>(std::min(pixels, most)), 2);
 }
 
