@@ -2,6 +2,8 @@
 
 #include "RecordCore/Rendering/FloatPlane.h"
 
+#include <cairo.h>
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>

@@ -3,7 +3,9 @@
 #include "RecordCore/Model/Backdrop.h"
 #include "RecordCore/Rendering/Bitmap.h"
 
-#include <cairo.h>
+// Cairo's own declarations, repeated so that its headers stay inside the drawing code.
+using cairo_t = struct _cairo;
+using cairo_surface_t = struct _cairo_surface;
 
 namespace RecordCore {
 

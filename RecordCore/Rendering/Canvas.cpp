@@ -5,6 +5,8 @@
 #include "RecordCore/Rendering/Glyphs.h"
 #include "RecordCore/Rendering/Kernels/Kernels.h"
 
+#include <cairo.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>

@@ -4,6 +4,8 @@
 
 #include <fmt/format.h>
 
+#include <cairo.h>
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>

@@ -62,6 +62,11 @@ struct Engine {
     void open() {
         if (context) return;
         FcConfig* config = onlyCarried ? FcConfigCreate() : FcInitLoadConfigAndFonts();
+        if (onlyCarried) {
+            constexpr const char* caches =
+                "<fontconfig><cachedir prefix=\"xdg\">fontconfig</cachedir></fontconfig>";
+            FcConfigParseAndLoadFromMemory(config, reinterpret_cast<const FcChar8*>(caches), FcFalse);
+        }
         if (!fonts().empty())
             FcConfigAppFontAddDir(config, reinterpret_cast<const FcChar8*>(fonts().c_str()));
         map = pango_cairo_font_map_new_for_font_type(CAIRO_FONT_TYPE_FT);
