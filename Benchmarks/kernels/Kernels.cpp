@@ -1,8 +1,8 @@
 // Composes 1920 × 1080 frames from screens of two sizes. All figures are CPU milliseconds of one thread for
 // a frame; "yardstick" copies a frame of the same size, to compare machines by.
 
-#include "RecordCore/Rendering/Canvas.h"
 #include "RecordCore/Rendering/Kernels/Kernels.h"
+#include "RecordCore/Rendering/Canvas.h"
 #include "RecordCore/Rendering/RgbImage.h"
 #include "Tests/Rendering/SamplePictures.h"
 

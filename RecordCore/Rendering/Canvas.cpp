@@ -43,6 +43,11 @@ PixelRect whole(const Placement& place) {
     return {0, 0, place.width, place.height};
 }
 
+/// The rectangle with its columns moved out to whole blocks, as the scaler takes them.
+PixelRect inBlocks(const PixelRect& rect) {
+    return {rect.x0 / block * block, rect.y0, (rect.x1 + block - 1) / block * block, rect.y1};
+}
+
 /// A view that can be computed with: a size that is not a positive number counts as the whole.
 NRect usable(const NRect& view) {
     NRect result = view;
@@ -163,7 +168,7 @@ void Canvas::makeMapping(const SourceMapping& wanted, const PlanarView& source) 
     sourceWidth = source.width;
     sourceHeight = source.height;
     scaler.make({a, wanted.left - a * window.x}, {a, wanted.bottom - a * window.maxY()}, source.width,
-                source.height, area);
+                source.height, inBlocks(area));
     for (int x = 0; x < across; ++x) {
         const int from = std::max(x * block, area.x0);
         const int to = std::min((x + 1) * block, area.x1);
@@ -429,7 +434,7 @@ void Canvas::takeCamera(const PlanarView* camera, const FrameState& state, bool 
         AxisMapping columns{a, x - a * rect.x};
         if (recipe->settings().camera->mirror) columns = {-a, x + side + a * rect.x};
         cameraScaler.make(columns, {a, y - a * rect.y}, camera->width, camera->height,
-                          bubble->outside.rect());
+                          inBlocks(bubble->outside.rect()));
     }
     if (fresh) lastCamera.assign(*camera);
     if (fresh || moved) scaleCamera(lastCamera.view());
@@ -439,8 +444,8 @@ void Canvas::takeCamera(const PlanarView* camera, const FrameState& state, bool 
 }
 
 void Canvas::scaleCamera(const PlanarView& camera) {
-    const PixelRect& area = bubble->outside.rect();
-    if (area.empty()) return;
+    if (bubble->outside.rect().empty()) return;
+    const PixelRect area = inBlocks(bubble->outside.rect());
     cameraPicture.resize(area.x1 - area.x0, area.y1 - area.y0);
     constexpr int rows = 32;
     auto scaleRows = [&](int item, int thread) {
@@ -494,6 +499,12 @@ void Canvas::composeUnit(const PlanarView& source, const PixelRect& part, Pictur
     const AlphaMask& mask = recipe->windowMask();
     const PixelRect inside = part.intersected(mask.rect());
 
+    // The scaler fills whole blocks; what it writes beside the window is covered by the backdrop next.
+    if (!inside.empty())
+        for (int plane = 0; plane < 3; ++plane)
+            scaler.scale(source, plane, {inside.x0 / block * block, inside.y0, inside.x1, inside.y1}, shown,
+                         0, 0, scratch);
+
     // The backdrop where there is no window.
     for (int plane = 0; plane < 3; ++plane) {
         const int divisor = plane == 0 ? 1 : 2;
@@ -514,8 +525,6 @@ void Canvas::composeUnit(const PlanarView& source, const PixelRect& part, Pictur
     }
 
     if (!inside.empty()) {
-        for (int plane = 0; plane < 3; ++plane)
-            scaler.scale(source, plane, inside, shown, 0, 0, scratch);
         for (std::size_t i = 0; i < rippleCount; ++i)
             ripples[i].overlay.drawOn(shown, inside, ripples[i].key.fade);
         pointer.overlay.drawOn(shown, inside, pointer.key.fade);
@@ -550,7 +559,7 @@ void Canvas::composeUnit(const PlanarView& source, const PixelRect& part, Pictur
                 for (int y = seen.y0 / divisor; y < seen.y1 / divisor; ++y)
                     Kernels::mixUnder(shown.row(plane, y) + seen.x0 / divisor,
                                       cameraPicture.row(plane, y - area.y0 / divisor) +
-                                          (seen.x0 - area.x0) / divisor,
+                                          (seen.x0 - area.x0 / block * block) / divisor,
                                       bubble->outside.row(plane, y) + (seen.x0 - area.x0) / divisor,
                                       (seen.x1 - seen.x0) / divisor);
             }

@@ -1,6 +1,7 @@
 #include "RecordCore/Rendering/FloatPlane.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace RecordCore {
@@ -79,7 +80,14 @@ FloatPlane reduced(const FloatPlane& plane, int cell) {
         float* out = small.row(y);
         for (int i = 0; i < cell; ++i) {
             const float* in = plane.row(std::min(y * cell + i, plane.height - 1));
-            for (int x = 0; x < small.width; ++x) {
+            const int whole = plane.width / cell;
+            for (int x = 0; x < whole; ++x) {
+                float sum = 0;
+                for (int j = 0; j < cell; ++j)
+                    sum += in[x * cell + j];
+                out[x] += sum * share;
+            }
+            for (int x = whole; x < small.width; ++x) {
                 float sum = 0;
                 for (int j = 0; j < cell; ++j)
                     sum += in[std::min(x * cell + j, plane.width - 1)];
@@ -91,7 +99,7 @@ FloatPlane reduced(const FloatPlane& plane, int cell) {
 }
 
 /// Cubic B-spline weights for a position `t` (0…1) between the middle two of four samples.
-void splineWeights(float t, float (&w)[4]) {
+void splineWeights(float t, std::array<float, 4>& w) {
     const float s = 1 - t;
     w[0] = s * s * s / 6;
     w[1] = (3 * t * t * t - 6 * t * t + 4) / 6;
@@ -101,30 +109,38 @@ void splineWeights(float t, float (&w)[4]) {
 
 /// Fills `plane` from its reduced copy; the spline is smooth, so no cell shows.
 void enlarge(const FloatPlane& small, int cell, FloatPlane& plane) {
-    std::vector<float> line(static_cast<std::size_t>(small.width));
-    const auto place = [cell](int i) {
-        return (static_cast<float>(i) + 0.5F) / static_cast<float>(cell) - 0.5F;
-    };
+    // The weights repeat from cell to cell.
+    std::vector<std::array<float, 4>> weights(static_cast<std::size_t>(cell));
+    std::vector<int> firsts(static_cast<std::size_t>(cell));
+    for (int phase = 0; phase < cell; ++phase) {
+        const float u = (static_cast<float>(phase) + 0.5F) / static_cast<float>(cell) - 0.5F;
+        firsts[static_cast<std::size_t>(phase)] = static_cast<int>(std::floor(u)) - 1;
+        splineWeights(u - std::floor(u), weights[static_cast<std::size_t>(phase)]);
+    }
+    // A line with its edges repeated, so that no place needs checking.
+    std::vector<float> line(static_cast<std::size_t>(small.width) + 5);
     for (int y = 0; y < plane.height; ++y) {
-        const float v = place(y);
-        const int j = static_cast<int>(std::floor(v));
-        float w[4];
-        splineWeights(v - static_cast<float>(j), w);
+        const std::size_t phaseY = static_cast<std::size_t>(y % cell);
+        const int j = y / cell + firsts[phaseY];
+        float* middle = line.data() + 2;
         std::fill(line.begin(), line.end(), 0.0F);
         for (int k = 0; k < 4; ++k) {
-            const float* in = small.row(std::clamp(j - 1 + k, 0, small.height - 1));
+            const float weight = weights[phaseY][static_cast<std::size_t>(k)];
+            const float* in = small.row(std::clamp(j + k, 0, small.height - 1));
             for (int x = 0; x < small.width; ++x)
-                line[static_cast<std::size_t>(x)] += w[k] * in[x];
+                middle[x] += weight * in[x];
         }
+        middle[-2] = middle[-1] = middle[0];
+        for (int i = 0; i < 3; ++i)
+            middle[small.width + i] = middle[small.width - 1];
         float* out = plane.row(y);
-        for (int x = 0; x < plane.width; ++x) {
-            const float u = place(x);
-            const int i = static_cast<int>(std::floor(u));
-            splineWeights(u - static_cast<float>(i), w);
-            float sum = 0;
-            for (int k = 0; k < 4; ++k)
-                sum += w[k] * line[static_cast<std::size_t>(std::clamp(i - 1 + k, 0, small.width - 1))];
-            out[x] = sum;
+        for (int left = 0, base = 0; left < plane.width; left += cell, ++base) {
+            const int count = std::min(cell, plane.width - left);
+            for (int i = 0; i < count; ++i) {
+                const std::array<float, 4>& w = weights[static_cast<std::size_t>(i)];
+                const float* in = middle + base + firsts[static_cast<std::size_t>(i)];
+                out[left + i] = w[0] * in[0] + w[1] * in[1] + w[2] * in[2] + w[3] * in[3];
+            }
         }
     }
 }
@@ -133,14 +149,14 @@ void enlarge(const FloatPlane& small, int cell, FloatPlane& plane) {
 
 void FloatPlane::blur(double sigma) {
     if (width == 0 || height == 0 || !(sigma > 0.01)) return;
-    constexpr double widestDirect = 6;
+    constexpr double widestDirect = 3;
     if (sigma <= widestDirect) {
         blurDirectly(*this, sigma);
         return;
     }
     // Beyond the size of the plane a wider blur changes nothing that could be seen.
     const double limited = std::min(sigma, 4.0 * std::max(width, height));
-    const int cell = static_cast<int>(std::ceil(limited / 4));
+    const int cell = static_cast<int>(std::ceil(limited / 3));
     FloatPlane small = reduced(*this, cell);
     // Averaging cells and enlarging by the spline blur too: their variances are taken off.
     const double relative = limited / cell;

@@ -35,8 +35,8 @@ void PictureScaler::scale(const PlanarView& source, int plane, const PixelRect& 
     const ScaleTable& across = columns[kind];
     const ScaleTable& down = lines[kind];
     const int x0 = part.x0 / divisor;
-    const int x1 = part.x1 / divisor;
-    const ScaleTable::Span span = across.inputs(x0, x1);
+    const int x1 = (part.x1 + divisor - 1) / divisor;
+    const ScaleTable::Span span = across.inputs(x0, (x1 - x0 + 7) / 8 * 8 + x0);
     const int taps = down.taps();
     if (scratch.line.size() < static_cast<std::size_t>(sourceWidth) + lineSlack)
         scratch.line.resize(static_cast<std::size_t>(sourceWidth) + lineSlack);
@@ -45,7 +45,9 @@ void PictureScaler::scale(const PlanarView& source, int plane, const PixelRect& 
 
     const std::uint8_t* samples = source.planes[static_cast<std::size_t>(plane)];
     const std::ptrdiff_t stride = source.strides[static_cast<std::size_t>(plane)];
-    const std::int32_t* starts = across.starts() + (x0 - across.begin());
+    const std::int32_t* starts = across.starts(x0);
+    const std::int16_t* columnWeights = across.groupedWeights(x0);
+    const int count = (x1 - x0 + 7) / 8 * 8;
     for (int y = part.y0 / divisor; y < part.y1 / divisor; ++y) {
         const std::int16_t* weights = down.weights(y);
         // Rows without weight are left out.
@@ -60,8 +62,8 @@ void PictureScaler::scale(const PlanarView& source, int plane, const PixelRect& 
                 samples + stride * (down.start(y) + t) + span.low;
         Kernels::weighRows(scratch.rows.data(), weights + first, last - first, scratch.line.data() + span.low,
                            span.high - span.low);
-        Kernels::weighColumns(scratch.line.data(), starts, across.weights(x0), across.paddedTaps(),
-                              target.row(plane, y - top / divisor) + x0 - left / divisor, x1 - x0);
+        Kernels::weighColumns(scratch.line.data(), starts, columnWeights, across.paddedTaps(),
+                              target.row(plane, y - top / divisor) + x0 - left / divisor, count);
     }
 }
 

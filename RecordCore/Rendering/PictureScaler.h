@@ -22,7 +22,8 @@ struct AxisMapping {
 /// scratch memory.
 class PictureScaler {
 public:
-    /// `area` (even edges): the canvas pixels that will be asked for.
+    /// `area`: the canvas pixels that will be asked for. It begins at a multiple of 16 columns and at an even
+    /// row and ends at an even row.
     void make(const AxisMapping& across, const AxisMapping& down, int sourceWidth, int sourceHeight,
               const PixelRect& area);
 

@@ -3,11 +3,13 @@
 #include "RecordCore/Model/RecordingError.h"
 #include "RecordCore/Model/Uuid.h"
 #include "RecordCore/Rendering/ColorMatrix.h"
+#include "RecordCore/Rendering/Kernels/Kernels.h"
 
 #include <fmt/format.h>
 #include <gdk-pixbuf/gdk-pixbuf.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 
@@ -99,15 +101,38 @@ RgbImage RgbImage::of(const PlanarView& picture) {
 void toBgra(const PlanarView& picture, std::uint8_t* pixels, std::ptrdiff_t stride, int firstRow,
             int lastRow) {
     if (picture.width <= 0) return;
-    RowConverter converter(picture);
+    constexpr std::size_t slack = 64; // columns that the kernel may touch beyond the row
+    const std::size_t width = static_cast<std::size_t>(picture.width);
+    const std::size_t pairs = static_cast<std::size_t>(picture.planeWidth(1));
+    std::vector<std::uint8_t> luma(width + slack);
+    std::vector<std::int16_t> near(pairs + 1);
+    std::array<std::vector<std::int16_t>, 2> chroma{std::vector<std::int16_t>(2 * pairs + slack),
+                                                    std::vector<std::int16_t>(2 * pairs + slack)};
+    std::array<std::uint8_t, 4 * 2 * slack> tail;
+    const int whole = picture.width / static_cast<int>(slack) * static_cast<int>(slack);
     for (int y = std::max(firstRow, 0); y < std::min(lastRow, picture.height); ++y) {
+        std::memcpy(luma.data(), picture.planes[0] + picture.strides[0] * y, width);
+        const int other = std::clamp(y % 2 == 0 ? y / 2 - 1 : y / 2 + 1, 0, picture.planeHeight(1) - 1);
+        for (std::size_t plane = 1; plane < 3; ++plane) {
+            const std::uint8_t* a = picture.planes[plane] + picture.strides[plane] * (y / 2);
+            const std::uint8_t* b = picture.planes[plane] + picture.strides[plane] * other;
+            for (std::size_t i = 0; i < pairs; ++i)
+                near[i] = static_cast<std::int16_t>(3 * a[i] + b[i] - 4 * 128);
+            near[pairs] = near[pairs - 1];
+            std::int16_t* out = chroma[plane - 1].data();
+            for (std::size_t i = 0; i < pairs; ++i) {
+                out[2 * i] = static_cast<std::int16_t>(2 * near[i]);
+                out[2 * i + 1] = static_cast<std::int16_t>(near[i] + near[i + 1]);
+            }
+        }
         std::uint8_t* out = pixels + stride * y;
-        converter.convert(y, [out](int x, std::uint8_t r, std::uint8_t g, std::uint8_t b) {
-            out[4 * x] = b;
-            out[4 * x + 1] = g;
-            out[4 * x + 2] = r;
-            out[4 * x + 3] = 255;
-        });
+        Kernels::rowToBgra(luma.data(), chroma[0].data(), chroma[1].data(), out, whole);
+        if (whole < picture.width) {
+            Kernels::rowToBgra(luma.data() + whole, chroma[0].data() + whole, chroma[1].data() + whole,
+                               tail.data(), picture.width - whole);
+            std::memcpy(out + static_cast<std::ptrdiff_t>(whole) * 4, tail.data(),
+                        static_cast<std::size_t>(picture.width - whole) * 4);
+        }
     }
 }
 

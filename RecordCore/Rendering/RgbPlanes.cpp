@@ -10,30 +10,41 @@ namespace RecordCore {
 
 namespace {
 
+/// What exceeds the whole part, of numbers from 0 on; a cast, because `floor` keeps loops from becoming
+/// vectors.
+float fraction(float value) {
+    return value - static_cast<float>(static_cast<int>(value));
+}
+
 /// Interleaved gradient noise (Jimenez 2014): even like an ordered pattern but without its grid, 0…1.
 float noise(int x, int y) {
     const float t = 0.06711056F * static_cast<float>(x) + 0.00583715F * static_cast<float>(y);
-    const float u = 52.9829189F * (t - std::floor(t));
-    return u - std::floor(u);
+    return fraction(52.9829189F * fraction(t));
 }
 
 /// Rounds to 8 bits; where the samples change from one to the next, the fraction decides how often the
 /// higher value is taken.
-void quantize(const FloatPlane& plane, int seed, std::uint8_t* (*row)(Picture&, int), Picture& picture) {
+void quantize(const FloatPlane& plane, int seed, int index, Picture& picture) {
     constexpr float even = 1e-4F;
+    const int width = plane.width;
+    // A row with its edge samples repeated on both sides.
+    std::vector<float> line(static_cast<std::size_t>(width) + 2);
     for (int y = 0; y < plane.height; ++y) {
-        const float* middle = plane.row(y);
+        const float* middle = line.data() + 1;
+        std::copy_n(plane.row(y), width, line.data() + 1);
+        line.front() = middle[0];
+        line.back() = middle[width - 1];
         const float* above = plane.row(std::max(y - 1, 0));
         const float* below = plane.row(std::min(y + 1, plane.height - 1));
-        std::uint8_t* out = row(picture, y);
-        for (int x = 0; x < plane.width; ++x) {
+        std::uint8_t* out = picture.row(index, y);
+        for (int x = 0; x < width; ++x) {
             const float value = middle[x];
-            const float left = middle[std::max(x - 1, 0)];
-            const float right = middle[std::min(x + 1, plane.width - 1)];
-            const bool flat = std::abs(value - left) < even && std::abs(value - right) < even &&
-                              std::abs(value - above[x]) < even && std::abs(value - below[x]) < even;
-            const float threshold = flat ? 0.5F : noise(x + 37 * seed, y + 91 * seed);
-            out[x] = static_cast<std::uint8_t>(std::clamp(std::floor(value + threshold), 0.0F, 255.0F));
+            const float change =
+                std::max(std::max(std::abs(value - middle[x - 1]), std::abs(value - middle[x + 1])),
+                         std::max(std::abs(value - above[x]), std::abs(value - below[x])));
+            const float threshold = change < even ? 0.5F : noise(x + 37 * seed, y + 91 * seed);
+            out[x] = static_cast<std::uint8_t>(
+                static_cast<int>(std::min(std::max(value + threshold, 0.0F), 255.0F)));
         }
     }
 }
@@ -170,12 +181,9 @@ Picture RgbPlanes::picture() const {
         gather(redRow, cr.row(y / 2));
     }
     Picture picture(w, h);
-    quantize(
-        luma, 0, [](Picture& p, int y) { return p.row(0, y); }, picture);
-    quantize(
-        cb, 1, [](Picture& p, int y) { return p.row(1, y); }, picture);
-    quantize(
-        cr, 2, [](Picture& p, int y) { return p.row(2, y); }, picture);
+    quantize(luma, 0, 0, picture);
+    quantize(cb, 1, 1, picture);
+    quantize(cr, 2, 2, picture);
     return picture;
 }
 

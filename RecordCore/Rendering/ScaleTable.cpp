@@ -68,7 +68,7 @@ void ScaleTable::make(double a, double b, int size, int begin, int end) {
     firstOutput = begin;
     tapCount = span;
     padded = (span + 7) / 8 * 8;
-    const std::size_t count = static_cast<std::size_t>(std::max(end - begin, 0));
+    const std::size_t count = static_cast<std::size_t>((std::max(end - begin, 0) + 7) / 8 * 8);
     first.resize(count);
     values.assign(count * static_cast<std::size_t>(padded), 0);
     scratch.resize(static_cast<std::size_t>(span));
@@ -110,6 +110,17 @@ void ScaleTable::make(double a, double b, int size, int begin, int end) {
         // Rounding must not change flat areas: the weights add up to the unit exactly.
         out[largest] = static_cast<std::int16_t>(out[largest] + unit - total);
     }
+
+    // Outputs i and i + 4 of a group of eight side by side, eight taps at a time.
+    grouped.resize(values.size());
+    std::int16_t* to = grouped.data();
+    for (std::size_t group = 0; group < count; group += 8)
+        for (int tap = 0; tap < padded; tap += 8)
+            for (std::size_t i = 0; i < 4; ++i)
+                for (const std::size_t output : {group + i, group + i + 4}) {
+                    std::copy_n(values.data() + output * static_cast<std::size_t>(padded) + tap, 8, to);
+                    to += 8;
+                }
 }
 
 ScaleTable::Span ScaleTable::inputs(int from, int to) const {

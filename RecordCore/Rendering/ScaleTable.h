@@ -10,7 +10,7 @@ namespace RecordCore {
 /// covers j … j + 1; input outside 0 … size − 1 repeats the edge. Reducing (|a| above 1 / 0.999) uses
 /// Lanczos with three lobes widened by the ratio, anything else the cubic of Keys (1981) with a = −1/2,
 /// which leaves samples that fall on the input untouched. Weights are in units of 1/16384 and add up to it.
-/// Immutable after `make`; `make` reuses the memory it has.
+/// Outputs come in whole groups of eight: `end` is moved up to that. `make` reuses the memory it has.
 class ScaleTable {
 public:
     static constexpr int unit = 16384;
@@ -30,7 +30,11 @@ public:
         return values.data() +
                static_cast<std::size_t>(output - firstOutput) * static_cast<std::size_t>(padded);
     }
-    const std::int32_t* starts() const { return first.data(); }
+    /// For Kernels::weighColumns, from an output that begins a group.
+    const std::int32_t* starts(int output) const { return first.data() + (output - firstOutput); }
+    const std::int16_t* groupedWeights(int output) const {
+        return grouped.data() + (weights(output) - values.data());
+    }
 
     /// The input samples [low, high) that the outputs [from, to) read.
     struct Span {
@@ -45,6 +49,7 @@ private:
     int padded = 8;
     std::vector<std::int32_t> first;
     std::vector<std::int16_t> values;
+    std::vector<std::int16_t> grouped; ///< the same weights in the order of the column kernel
     std::vector<double> scratch;
 };
 

@@ -45,24 +45,50 @@ protected:
     static FrameState randomState(Random& random, const FrameState& before) {
         FrameState state = before;
         switch (random.below(14)) {
-        case 0: state.view = NRect::centered(random.unit(), random.unit(), 0.5, 0.5).clampedToUnit(); break;
-        case 1: state.view.x += random.between(-0.00001, 0.00001); break;
-        case 2: state.pointer = FrameState::Pointer{random.unit(), random.unit(), random.unit()}; break;
-        case 3: state.pointer.reset(); break;
+        case 0:
+            state.view = NRect::centered(random.unit(), random.unit(), 0.5, 0.5).clampedToUnit();
+            break;
+        case 1:
+            state.view.x += random.between(-0.00001, 0.00001);
+            break;
+        case 2:
+            state.pointer = FrameState::Pointer{random.unit(), random.unit(), random.unit()};
+            break;
+        case 3:
+            state.pointer.reset();
+            break;
         case 4:
             state.ripples.clear();
             for (int i = random.below(4); i > 0; --i)
                 state.ripples.push_back({random.unit(), random.unit(), random.unit()});
             break;
-        case 5: state.pill = FrameState::Pill{random.below(50), "fast-forward", random.unit()}; break;
-        case 6: state.pill.reset(); break;
-        case 7: state.titleOpacity = random.below(3) / 2.0; break;
-        case 8: state.endOpacity = random.below(4) == 0 ? random.unit() : 0; break;
-        case 9: state.clock = random.below(100); break;
-        case 10: state.cameraScale = random.below(2) ? 1 : random.between(0.76, 1); break;
-        case 11: state.caption = FrameState::Caption{random.below(3), random.below(4), random.unit()}; break;
-        case 12: state.caption.reset(); break;
-        default: state.pointerScale = random.between(1, 2); break;
+        case 5:
+            state.pill = FrameState::Pill{random.below(50), "fast-forward", random.unit()};
+            break;
+        case 6:
+            state.pill.reset();
+            break;
+        case 7:
+            state.titleOpacity = random.below(3) / 2.0;
+            break;
+        case 8:
+            state.endOpacity = random.below(4) == 0 ? random.unit() : 0;
+            break;
+        case 9:
+            state.clock = random.below(100);
+            break;
+        case 10:
+            state.cameraScale = random.below(2) ? 1 : random.between(0.76, 1);
+            break;
+        case 11:
+            state.caption = FrameState::Caption{random.below(3), random.below(4), random.unit()};
+            break;
+        case 12:
+            state.caption.reset();
+            break;
+        default:
+            state.pointerScale = random.between(1, 2);
+            break;
         }
         return state;
     }
@@ -94,7 +120,8 @@ TEST_F(CanvasTest, redrawsExactlyWhatDrawingEverythingDraws) {
                 hints.sameSource = false; // not said, though it is
             }
             if (random.below(6) == 0) {
-                SamplePictures::scribble(camera, random.below(100), random.below(80), 9, 9, static_cast<std::uint32_t>(i));
+                SamplePictures::scribble(camera, random.below(100), random.below(80), 9, 9,
+                                         static_cast<std::uint32_t>(i));
                 hints.sameCamera = false;
             }
             const PlanarView cameraView = camera.view();
@@ -103,7 +130,8 @@ TEST_F(CanvasTest, redrawsExactlyWhatDrawingEverythingDraws) {
             canvas.frame(source.view(), state, withCamera ? &cameraView : nullptr, hints);
 
             Canvas fresh(compositor, 1);
-            ASSERT_TRUE(canvas.picture() == fresh.frame(source.view(), state, withCamera ? &cameraView : nullptr))
+            ASSERT_TRUE(canvas.picture() ==
+                        fresh.frame(source.view(), state, withCamera ? &cameraView : nullptr))
                 << "frame " << i;
 
             // A block that is not marked has not changed by a single sample.
@@ -171,13 +199,15 @@ TEST_F(CanvasTest, isTheSameWithAnyThreadsAndInstructions) {
     for (int target = 0; target < Kernels::targetCount(); ++target) {
         Kernels::useTarget(target);
         Canvas canvas(compositor, 1);
-        EXPECT_TRUE(canvas.frame(source.view(), state, &cameraView) == reference.picture()) << Kernels::targetName();
+        EXPECT_TRUE(canvas.frame(source.view(), state, &cameraView) == reference.picture())
+            << Kernels::targetName();
     }
     Kernels::useTarget(-1);
 }
 
 TEST_F(CanvasTest, showsTheSourceWhereItBelongs) {
-    // Padding 0 on a 16:9 source of twice the canvas: each pixel is the mean of its four, the frame exactly fills.
+    // Padding 0 on a 16:9 source of twice the canvas: each pixel is the mean of its four, the frame exactly
+    // fills.
     CompositorSettings settings;
     settings.scale = 0.25;
     Picture source(960, 540);
@@ -222,7 +252,8 @@ TEST_F(CanvasTest, keepsTheFractionsOfTheWindowsEdges) {
     const int right = static_cast<int>(window.maxX());
     const int under = compositor->backdrop().row(0, y)[left];
     EXPECT_NEAR(picture.row(0, y)[left], expected(left + 1 - window.x, under), 1);
-    EXPECT_NEAR(picture.row(0, y)[right], expected(window.maxX() - right, compositor->backdrop().row(0, y)[right]), 1);
+    EXPECT_NEAR(picture.row(0, y)[right],
+                expected(window.maxX() - right, compositor->backdrop().row(0, y)[right]), 1);
     EXPECT_EQ(picture.row(0, y)[left + 1], 16);
     EXPECT_EQ(picture.row(0, y)[left - 2], 235);
     const int bottom = static_cast<int>(window.maxY());
@@ -264,8 +295,9 @@ TEST_F(CanvasTest, obeysTheThresholds) {
     CompositorSettings quiet = everything(OutputFormat::wide, 0.3);
     quiet.pointer.effect = "none";
     Canvas canvas(make(quiet), 1);
-    EXPECT_TRUE(canvas.frame(source.view(), with([](FrameState& s) { s.ripples = {{0.5, 0.5, 0.5}}; })) ==
-                plain.picture());
+    EXPECT_TRUE(canvas.frame(source.view(), with([](FrameState& s) {
+                                 s.ripples = {{0.5, 0.5, 0.5}};
+                             })) == plain.picture());
 }
 
 TEST_F(CanvasTest, placesThePointersHotSpot) {
@@ -302,7 +334,9 @@ TEST_F(CanvasTest, drawsTheCamerasMiddleMirrored) {
         for (int y = 0; y < camera.planeHeight(plane); ++y)
             for (int x = 0; x < camera.planeWidth(plane); ++x) {
                 const int place = plane == 0 ? x : 2 * x;
-                const Rgb color = place < 30 || place >= 130 ? Rgb{0, 1, 0} : place < 65 ? Rgb{1, 0, 0} : Rgb{0, 0, 1};
+                const Rgb color = place < 30 || place >= 130 ? Rgb{0, 1, 0}
+                                  : place < 65               ? Rgb{1, 0, 0}
+                                                             : Rgb{0, 0, 1};
                 const auto samples = Bt709::fromRgb(color);
                 const double values[] = {samples.y, samples.cb, samples.cr};
                 camera.row(plane, y)[x] = static_cast<std::uint8_t>(std::lround(values[plane]));
@@ -326,15 +360,19 @@ TEST_F(CanvasTest, drawsTheCamerasMiddleMirrored) {
             const double centerX = full.x + full.width / 2;
             const double centerY = full.y + full.height / 2;
             const auto red = [&](double share) { // across the bubble
-                const auto* pixel = image.at(static_cast<int>(centerX + (share - 0.5) * side), static_cast<int>(centerY));
+                const auto* pixel =
+                    image.at(static_cast<int>(centerX + (share - 0.5) * side), static_cast<int>(centerY));
                 return pixel[0] > 200 && pixel[1] < 60 && pixel[2] < 60;
             };
             EXPECT_EQ(red(0.2), !mirror);
             EXPECT_EQ(red(0.8), mirror);
             for (const double share : {0.03, 0.97})
-                EXPECT_LT(image.at(static_cast<int>(centerX + (share - 0.5) * side), static_cast<int>(centerY))[1], 90);
+                EXPECT_LT(
+                    image.at(static_cast<int>(centerX + (share - 0.5) * side), static_cast<int>(centerY))[1],
+                    90);
             // Just outside stands the ring, then the source again.
-            const auto* outside = image.at(static_cast<int>(centerX - side / 2 - 40 * scale), static_cast<int>(centerY - side / 2));
+            const auto* outside = image.at(static_cast<int>(centerX - side / 2 - 40 * scale),
+                                           static_cast<int>(centerY - side / 2));
             EXPECT_NEAR(outside[0], outside[1], 4);
         }
 }
@@ -360,7 +398,8 @@ TEST_F(CanvasTest, survivesAbsurdNumbers) {
         state.pointer = FrameState::Pointer{value, value, 1};
         state.pointerScale = value;
         state.ripples.assign(1000, {value, value, value});
-        state.pill = FrameState::Pill{std::numeric_limits<std::int64_t>::min(), std::string(70000, 'x'), value};
+        state.pill =
+            FrameState::Pill{std::numeric_limits<std::int64_t>::min(), std::string(70000, 'x'), value};
         state.clock = value;
         state.cameraScale = value;
         state.titleOpacity = state.endOpacity = value;

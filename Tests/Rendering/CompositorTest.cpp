@@ -46,7 +46,8 @@ TEST_F(CompositorTest, drawsTheGradientAndItsGlow) {
             const double h = compositor.height();
             const CanvasRect window = compositor.placement().window.rect;
             const Backdrop& b = settings.look.backdrop;
-            for (const auto& [px, py] : {std::pair{0.001, 0.001}, {0.01, 0.97}, {0.98, 0.02}, {0.5, 0.995}, {0.99, 0.99}}) {
+            for (const auto& [px, py] :
+                 {std::pair{0.001, 0.001}, {0.01, 0.97}, {0.98, 0.02}, {0.5, 0.995}, {0.99, 0.99}}) {
                 const int x = static_cast<int>(px * w);
                 const int y = static_cast<int>(py * h);
                 // In the coordinates of the description: origin below, y up.
@@ -131,7 +132,8 @@ TEST_F(CompositorTest, takesTheFirstBackdropThatApplies) {
     // The outer quarters are dark: cover cuts them off.
     for (int y = 0; y < 100; ++y)
         for (int x = 0; x < 400; ++x)
-            if (x < 100 || x >= 300) std::fill_n(light.pixels.begin() + (y * 400 + x) * 3, 3, std::uint8_t{0});
+            if (x < 100 || x >= 300)
+                std::fill_n(light.pixels.begin() + (y * 400 + x) * 3, 3, std::uint8_t{0});
     writePng(folder / "light.png", light);
     std::ofstream(folder / "broken.png") << "no";
 
@@ -170,8 +172,8 @@ TEST_F(CompositorTest, writesTheHeaderInAnInkThatShows) {
             settings.scale = 0.5;
             settings.look.solid = Rgb{grey, grey, grey};
             const Compositor plain(settings);
-            settings.cards = {"A title that is long enough to need more than a single line of the band", "Subtitle", "",
-                              "", true};
+            settings.cards = {"A title that is long enough to need more than a single line of the band",
+                              "Subtitle", "", "", true};
             const Compositor titled(settings);
             const Picture& a = plain.backdrop();
             const Picture& b = titled.backdrop();

@@ -1,4 +1,5 @@
 #include "RecordCore/Rendering/Kernels/Kernels.h"
+#include "RecordCore/Rendering/ColorMatrix.h"
 #include "Tests/Rendering/SamplePictures.h"
 
 #include <gtest/gtest.h>
@@ -67,32 +68,60 @@ TEST_F(KernelsTest, weighsRows) {
 }
 
 TEST_F(KernelsTest, weighsColumns) {
-    for (const int count : lengths)
+    for (const int count : {8, 16, 40, 256})
         for (const int padded : {8, 16, 24}) {
             std::vector<std::int16_t> in(600);
             for (std::int16_t& sample : in)
                 sample = static_cast<std::int16_t>(random.below(22000) - 2000);
             std::vector<std::int32_t> starts;
-            std::vector<std::int16_t> weights;
+            std::vector<std::int16_t> weights(static_cast<std::size_t>(count * padded));
+            std::vector<double> expected;
+            constexpr int order[] = {0, 2, 4, 6, 1, 3, 5, 7}; // where an output's weights stand in its group
             for (int x = 0; x < count; ++x) {
                 starts.push_back(random.below(500));
-                for (int t = 0; t < padded; ++t)
-                    weights.push_back(static_cast<std::int16_t>(random.below(6000) - 1500));
+                double sum = 0;
+                for (int t = 0; t < padded; ++t) {
+                    const auto weight = static_cast<std::int16_t>(random.below(6000) - 1500);
+                    const int place = x / 8 * 8 * padded + t / 8 * 64 + order[x % 8] * 8 + t % 8;
+                    weights[static_cast<std::size_t>(place)] = weight;
+                    sum += static_cast<double>(in[static_cast<std::size_t>(starts.back() + t)]) * weight;
+                }
+                expected.push_back(std::clamp(std::floor(sum / (16384.0 * 64) + 0.5), 0.0, 255.0));
             }
             onEveryTarget([&] {
                 std::vector<std::uint8_t> out(static_cast<std::size_t>(count) + 1, 77);
                 Kernels::weighColumns(in.data(), starts.data(), weights.data(), padded, out.data(), count);
-                for (int x = 0; x < count; ++x) {
-                    double exact = 0;
-                    for (int t = 0; t < padded; ++t)
-                        exact += static_cast<double>(in[static_cast<std::size_t>(starts[static_cast<std::size_t>(x)] + t)]) *
-                                 weights[static_cast<std::size_t>(x * padded + t)];
-                    const double expected = std::clamp(std::floor(exact / (16384.0 * 64) + 0.5), 0.0, 255.0);
-                    ASSERT_EQ(out[static_cast<std::size_t>(x)], expected) << x << " of " << count;
-                }
+                for (int x = 0; x < count; ++x)
+                    ASSERT_EQ(out[static_cast<std::size_t>(x)], expected[static_cast<std::size_t>(x)]) << x;
                 EXPECT_EQ(out.back(), 77) << "wrote beyond the end";
             });
         }
+}
+
+TEST_F(KernelsTest, convertsToBgra) {
+    const int count = 500;
+    const auto luma = bytes(count + 64);
+    std::vector<std::int16_t> cb;
+    std::vector<std::int16_t> cr;
+    for (int x = 0; x < count + 64; ++x) {
+        cb.push_back(static_cast<std::int16_t>(random.below(2040) - 1024));
+        cr.push_back(static_cast<std::int16_t>(random.below(2040) - 1024));
+    }
+    std::vector<std::uint8_t> first;
+    onEveryTarget([&] {
+        std::vector<std::uint8_t> out((count + 64) * 4);
+        Kernels::rowToBgra(luma.data(), cb.data(), cr.data(), out.data(), count);
+        out.resize(count * 4);
+        for (std::size_t x = 0; x < count; ++x) {
+            const Rgb exact = Bt709::toRgb(luma[x], 128 + cb[x] / 8.0, 128 + cr[x] / 8.0);
+            ASSERT_NEAR(out[4 * x], std::clamp(exact.b * 255, 0.0, 255.0), 0.6);
+            ASSERT_NEAR(out[4 * x + 1], std::clamp(exact.g * 255, 0.0, 255.0), 0.6);
+            ASSERT_NEAR(out[4 * x + 2], std::clamp(exact.r * 255, 0.0, 255.0), 0.6);
+            ASSERT_EQ(out[4 * x + 3], 255);
+        }
+        if (first.empty()) first = out;
+        EXPECT_EQ(out, first);
+    });
 }
 
 TEST_F(KernelsTest, mixes) {
@@ -104,7 +133,8 @@ TEST_F(KernelsTest, mixes) {
         alpha[static_cast<std::size_t>(count) / 2] = 0;
         std::vector<std::uint8_t> color(other);
         for (std::size_t x = 0; x < color.size(); ++x)
-            color[x] = static_cast<std::uint8_t>(other[x] * alpha[x] / 255); // premultiplied: never above alpha
+            color[x] =
+                static_cast<std::uint8_t>(other[x] * alpha[x] / 255); // premultiplied: never above alpha
         for (const int fade : {1, 100, 254, 255})
             onEveryTarget([&] {
                 auto under = picture;

@@ -55,7 +55,7 @@ TEST(Placement, placesTheBubble) {
     const Placement tall = Placement::make(OutputFormat::tall, 16.0 / 9, 0, 0, true, 1);
     struct Case {
         const char* corner;
-        double x, y;     // on the wide canvas: side 259, margin 37.8
+        double x, y;         // on the wide canvas: side 259, margin 37.8
         double tallX, tallY; // on the tall one, with a band of 300
     };
     const Case cases[] = {
@@ -106,7 +106,8 @@ TEST(Placement, mapsTheSource) {
     // The whole source fills the window exactly; a crop is applied to the view.
     const SourceMapping all = SourceMapping::make(NRect::full(), {}, 3024, 1964, 1844.9);
     EXPECT_EQ(all, (SourceMapping{0, 1964, 3024}));
-    const SourceMapping part = SourceMapping::make({0.5, 0.25, 0.25, 0.5}, NRect{0.1, 0.2, 0.5, 0.5}, 2000, 1000, 1000);
+    const SourceMapping part =
+        SourceMapping::make({0.5, 0.25, 0.25, 0.5}, NRect{0.1, 0.2, 0.5, 0.5}, 2000, 1000, 1000);
     EXPECT_NEAR(part.left, (0.5 * 0.5 + 0.1) * 2000, 0.005);
     EXPECT_NEAR(part.width, 0.25 * 0.5 * 2000, 0.005);
     EXPECT_NEAR(part.bottom, (0.75 * 0.5 + 0.2) * 1000, 0.005);
@@ -129,8 +130,8 @@ TEST(Placement, survivesAbsurdNumbers) {
         EXPECT_TRUE(std::isfinite(place.window.rect.x + place.window.rect.width + place.window.radius));
         EXPECT_LE(place.window.radius, place.window.rect.height / 2 + 1e-9);
         EXPECT_TRUE(std::isfinite(place.pointerSize(value, value)));
-        const SourceMapping mapping = SourceMapping::make({value, value, value, value}, NRect{value, 0, 1, value},
-                                                          1920, 1080, place.window.rect.width);
+        const SourceMapping mapping = SourceMapping::make(
+            {value, value, value, value}, NRect{value, 0, 1, value}, 1920, 1080, place.window.rect.width);
         EXPECT_TRUE(std::isfinite(mapping.left + mapping.bottom + mapping.width));
         EXPECT_GT(mapping.width, 0);
     }

@@ -10,6 +10,26 @@
 
 #include <hwy/highway.h>
 
+#ifndef RECORD_CORE_KERNEL_CONSTANTS
+#define RECORD_CORE_KERNEL_CONSTANTS
+/// Factors of the conversion to R'G'B' after BT.709 in 1 / 32768, less their whole part where it exceeds 1.
+namespace RecordCore::Kernels::ToRgb {
+constexpr int of(double value) {
+    return static_cast<int>(value * 32768 + 0.5);
+}
+constexpr double kr = 0.2126;
+constexpr double kg = 0.7152;
+constexpr double kb = 0.0722;
+constexpr double forRed = 255 * 2 * (1 - kr) / 224;
+constexpr double forBlue = 255 * 2 * (1 - kb) / 224;
+constexpr int luma = of(255.0 / 219 - 1);
+constexpr int red = of(forRed - 1);
+constexpr int blue = of(forBlue - 2);
+constexpr int greenFromRed = of(forRed * kr / kg);
+constexpr int greenFromBlue = of(forBlue * kb / kg);
+} // namespace RecordCore::Kernels::ToRgb
+#endif
+
 HWY_BEFORE_NAMESPACE();
 namespace RecordCore {
 namespace Kernels {
@@ -56,24 +76,27 @@ void weighRows(const std::uint8_t* const* HWY_RESTRICT rows, const std::int16_t*
     }
 }
 
-#if HWY_TARGET != HWY_SCALAR
+#if HWY_TARGET == HWY_SCALAR
 
-/// The products of eight samples and weights, added up into four lanes.
-template <class D32>
-HWY_INLINE hn::Vec<D32> products(D32 d32, const std::int16_t* HWY_RESTRICT in,
-                                 const std::int16_t* HWY_RESTRICT weights, int padded) {
-    const hn::Repartition<std::int16_t, D32> d16;
-    auto low = hn::Zero(d32);
-    auto high = hn::Zero(d32);
-    for (int t = 0; t < padded; t += 8)
-        low = hn::ReorderWidenMulAccumulate(d32, hn::LoadU(d16, in + t), hn::LoadU(d16, weights + t), low,
-                                            high);
-    return hn::Add(low, high);
+void weighColumns(const std::int16_t* HWY_RESTRICT in, const std::int32_t* HWY_RESTRICT starts,
+                  const std::int16_t* HWY_RESTRICT weights, int padded, std::uint8_t* HWY_RESTRICT out,
+                  int count) {
+    for (int x = 0; x < count; ++x) {
+        const std::int16_t* w =
+            weights + static_cast<std::ptrdiff_t>(x / 8) * 8 * padded + x % 4 * 16 + x % 8 / 4 * 8;
+        std::int32_t sum = 1 << 19;
+        for (int t = 0; t < padded; ++t)
+            sum += in[starts[x] + t] * w[t / 8 * 64 + t % 8];
+        sum >>= 20;
+        out[x] = static_cast<std::uint8_t>(sum < 0 ? 0 : sum > 255 ? 255 : sum);
+    }
 }
 
-/// The sums of the lanes of four vectors.
-template <class D32>
-HWY_INLINE hn::Vec<D32> laneSums(D32 d32, hn::Vec<D32> a, hn::Vec<D32> b, hn::Vec<D32> c, hn::Vec<D32> e) {
+#else
+
+/// The sums of the lanes of four vectors, within each block of 128 bits.
+template <class D32, class V = hn::Vec<D32>>
+HWY_INLINE V laneSums(D32 d32, V a, V b, V c, V e) {
     const hn::Repartition<std::int64_t, D32> d64;
     const auto ab = hn::Add(hn::InterleaveLower(d32, a, b), hn::InterleaveUpper(d32, a, b));
     const auto ce = hn::Add(hn::InterleaveLower(d32, c, e), hn::InterleaveUpper(d32, c, e));
@@ -82,54 +105,129 @@ HWY_INLINE hn::Vec<D32> laneSums(D32 d32, hn::Vec<D32> a, hn::Vec<D32> b, hn::Ve
     return hn::Add(hn::BitCast(d32, low), hn::BitCast(d32, high));
 }
 
-/// Whole groups of eight; returns how many samples are done.
-int weighColumnGroups(const std::int16_t* HWY_RESTRICT in, const std::int32_t* HWY_RESTRICT starts,
-                      const std::int16_t* HWY_RESTRICT weights, int padded, std::uint8_t* HWY_RESTRICT out,
-                      int count) {
-    const hn::FixedTag<std::int32_t, 4> d32;
-    const hn::FixedTag<std::int16_t, 8> d16;
+void weighColumns(const std::int16_t* HWY_RESTRICT in, const std::int32_t* HWY_RESTRICT starts,
+                  const std::int16_t* HWY_RESTRICT weights, int padded, std::uint8_t* HWY_RESTRICT out,
+                  int count) {
+    const hn::FixedTag<std::int16_t, 8> half;
     const hn::FixedTag<std::uint8_t, 8> d8;
-    const auto half = hn::Set(d32, 1 << 19);
-    const auto four = [&](int x) HWY_ATTR {
-        const std::int16_t* w = weights + static_cast<std::ptrdiff_t>(x) * padded;
-        const auto a = products(d32, in + starts[x], w, padded);
-        const auto b = products(d32, in + starts[x + 1], w + padded, padded);
-        const auto c = products(d32, in + starts[x + 2], w + 2 * padded, padded);
-        const auto e = products(d32, in + starts[x + 3], w + 3 * padded, padded);
-        return hn::ShiftRight<20>(hn::Add(laneSums(d32, a, b, c, e), half));
-    };
-    int x = 0;
-    for (; x + 8 <= count; x += 8) {
-        const hn::Half<decltype(d16)> d16half;
-        const auto low = hn::DemoteTo(d16half, four(x));
-        const auto high = hn::DemoteTo(d16half, four(x + 4));
-        hn::StoreU(hn::DemoteTo(d8, hn::Combine(d16, high, low)), d8, out + x);
-    }
-    return x;
-}
-
+    for (int x = 0; x < count; x += 8, starts += 8) {
+#if HWY_MAX_BYTES >= 32 && !HWY_HAVE_SCALABLE
+        // Two outputs in one vector: i in the lower, i + 4 in the upper half.
+        const hn::FixedTag<std::int16_t, 16> d16;
+        const hn::FixedTag<std::int32_t, 8> d32;
+        auto a = hn::Zero(d32);
+        auto b = a;
+        auto c = a;
+        auto e = a;
+        auto rest = a; // the other half of the products, where they are not added in pairs
+        auto restB = a;
+        auto restC = a;
+        auto restE = a;
+        const auto pair = [&](int i, int t) HWY_ATTR {
+            return hn::Combine(d16, hn::LoadU(half, in + starts[i + 4] + t),
+                               hn::LoadU(half, in + starts[i] + t));
+        };
+        for (int t = 0; t < padded; t += 8, weights += 64) {
+            a = hn::ReorderWidenMulAccumulate(d32, pair(0, t), hn::LoadU(d16, weights), a, rest);
+            b = hn::ReorderWidenMulAccumulate(d32, pair(1, t), hn::LoadU(d16, weights + 16), b, restB);
+            c = hn::ReorderWidenMulAccumulate(d32, pair(2, t), hn::LoadU(d16, weights + 32), c, restC);
+            e = hn::ReorderWidenMulAccumulate(d32, pair(3, t), hn::LoadU(d16, weights + 48), e, restE);
+        }
+        const auto sums =
+            laneSums(d32, hn::Add(a, rest), hn::Add(b, restB), hn::Add(c, restC), hn::Add(e, restE));
+        const auto rounded = hn::ShiftRight<20>(hn::Add(sums, hn::Set(d32, 1 << 19)));
+        hn::StoreU(hn::DemoteTo(d8, hn::DemoteTo(half, rounded)), d8, out + x);
 #else
-
-int weighColumnGroups(const std::int16_t*, const std::int32_t*, const std::int16_t*, int, std::uint8_t*,
-                      int) {
-    return 0;
+        const hn::FixedTag<std::int32_t, 4> d32;
+        const hn::Half<decltype(half)> quarter;
+        const auto four = [&](int first) HWY_ATTR {
+            auto a = hn::Zero(d32);
+            auto b = a;
+            auto c = a;
+            auto e = a;
+            auto restA = a;
+            auto restB = a;
+            auto restC = a;
+            auto restE = a;
+            const std::int16_t* w = weights + first * 2;
+            const std::int32_t* s = starts + first;
+            for (int t = 0; t < padded; t += 8, w += 64) {
+                a = hn::ReorderWidenMulAccumulate(d32, hn::LoadU(half, in + s[0] + t), hn::LoadU(half, w), a,
+                                                  restA);
+                b = hn::ReorderWidenMulAccumulate(d32, hn::LoadU(half, in + s[1] + t),
+                                                  hn::LoadU(half, w + 16), b, restB);
+                c = hn::ReorderWidenMulAccumulate(d32, hn::LoadU(half, in + s[2] + t),
+                                                  hn::LoadU(half, w + 32), c, restC);
+                e = hn::ReorderWidenMulAccumulate(d32, hn::LoadU(half, in + s[3] + t),
+                                                  hn::LoadU(half, w + 48), e, restE);
+            }
+            const auto sums =
+                laneSums(d32, hn::Add(a, restA), hn::Add(b, restB), hn::Add(c, restC), hn::Add(e, restE));
+            return hn::DemoteTo(quarter, hn::ShiftRight<20>(hn::Add(sums, hn::Set(d32, 1 << 19))));
+        };
+        const auto low = four(0);
+        const auto high = four(4);
+        hn::StoreU(hn::DemoteTo(d8, hn::Combine(half, high, low)), d8, out + x);
+        weights += 8 * padded;
+#endif
+    }
 }
 
 #endif
 
-void weighColumns(const std::int16_t* HWY_RESTRICT in, const std::int32_t* HWY_RESTRICT starts,
-                  const std::int16_t* HWY_RESTRICT weights, int padded, std::uint8_t* HWY_RESTRICT out,
-                  int count) {
-    int x = weighColumnGroups(in, starts, weights, padded, out, count);
-    for (; x < count; ++x) {
-        const std::int16_t* w = weights + static_cast<std::ptrdiff_t>(x) * padded;
-        std::int32_t sum = 1 << 19;
-        for (int t = 0; t < padded; ++t)
-            sum += in[starts[x] + t] * w[t];
-        sum >>= 20;
-        out[x] = static_cast<std::uint8_t>(sum < 0 ? 0 : sum > 255 ? 255 : sum);
+#if HWY_TARGET == HWY_SCALAR
+
+void rowToBgra(const std::uint8_t* HWY_RESTRICT luma, const std::int16_t* HWY_RESTRICT cb,
+               const std::int16_t* HWY_RESTRICT cr, std::uint8_t* HWY_RESTRICT out, int count) {
+    const auto times = [](int value, int factor) { return (value * factor + (1 << 14)) >> 15; };
+    const auto limited = [](int value) {
+        value = value > 32767 ? 32767 : value < -32768 ? -32768 : value;
+        value = (value + 32 > 32767 ? 32767 : value + 32) >> 6;
+        return static_cast<std::uint8_t>(value < 0 ? 0 : value > 255 ? 255 : value);
+    };
+    const auto saturated = [](int value) { return value > 32767 ? 32767 : value < -32768 ? -32768 : value; };
+    for (int x = 0; x < count; ++x) {
+        const int y = (luma[x] - 16) * 64;
+        const int light = y + times(y, ToRgb::luma);
+        const int blue = cb[x] * 8;
+        const int red = cr[x] * 8;
+        out[4 * x] = limited(saturated(light + blue) + saturated(blue + times(blue, ToRgb::blue)));
+        out[4 * x + 1] =
+            limited(light - saturated(times(red, ToRgb::greenFromRed) + times(blue, ToRgb::greenFromBlue)));
+        out[4 * x + 2] = limited(saturated(light + red) + times(red, ToRgb::red));
+        out[4 * x + 3] = 255;
     }
 }
+
+#else
+
+void rowToBgra(const std::uint8_t* HWY_RESTRICT luma, const std::int16_t* HWY_RESTRICT cb,
+               const std::int16_t* HWY_RESTRICT cr, std::uint8_t* HWY_RESTRICT out, int count) {
+    const hn::ScalableTag<std::int16_t> d;
+    const hn::Rebind<std::uint8_t, decltype(d)> d8;
+    const int lanes = static_cast<int>(hn::Lanes(d));
+    const auto opaque = hn::Set(d8, 255);
+    const auto byte = [&](hn::Vec<decltype(d)> value) HWY_ATTR {
+        return hn::DemoteTo(d8, hn::ShiftRight<6>(hn::SaturatedAdd(value, hn::Set(d, 32))));
+    };
+    const auto times = [&](hn::Vec<decltype(d)> value, int factor) HWY_ATTR {
+        return hn::MulFixedPoint15(value, hn::Set(d, static_cast<std::int16_t>(factor)));
+    };
+    for (int x = 0; x < count; x += lanes) {
+        const auto y = hn::ShiftLeft<6>(hn::Sub(hn::PromoteTo(d, hn::LoadU(d8, luma + x)), hn::Set(d, 16)));
+        const auto light = hn::Add(y, times(y, ToRgb::luma));
+        const auto blue = hn::ShiftLeft<3>(hn::LoadU(d, cb + x));
+        const auto red = hn::ShiftLeft<3>(hn::LoadU(d, cr + x));
+        const auto b = byte(hn::SaturatedAdd(hn::SaturatedAdd(light, blue),
+                                             hn::SaturatedAdd(blue, times(blue, ToRgb::blue))));
+        const auto g = byte(hn::SaturatedSub(
+            light, hn::SaturatedAdd(times(red, ToRgb::greenFromRed), times(blue, ToRgb::greenFromBlue))));
+        const auto r = byte(hn::SaturatedAdd(hn::SaturatedAdd(light, red), times(red, ToRgb::red)));
+        hn::StoreInterleaved4(b, g, r, opaque, d8, out + static_cast<std::ptrdiff_t>(x) * 4);
+    }
+}
+
+#endif
 
 /// x / 255 rounded to nearest, for x up to 65279.
 template <class V>
@@ -231,6 +329,7 @@ namespace Kernels {
 HWY_EXPORT(weighRows);
 HWY_EXPORT(weighColumns);
 HWY_EXPORT(mixUnder);
+HWY_EXPORT(rowToBgra);
 HWY_EXPORT(layOver);
 HWY_EXPORT(layConstant);
 HWY_EXPORT(markDifferences);
@@ -244,6 +343,11 @@ void weighRows(const std::uint8_t* const* rows, const std::int16_t* weights, int
 void weighColumns(const std::int16_t* in, const std::int32_t* starts, const std::int16_t* weights, int padded,
                   std::uint8_t* out, int count) {
     HWY_DYNAMIC_DISPATCH(weighColumns)(in, starts, weights, padded, out, count);
+}
+
+void rowToBgra(const std::uint8_t* luma, const std::int16_t* cb, const std::int16_t* cr, std::uint8_t* out,
+               int count) {
+    HWY_DYNAMIC_DISPATCH(rowToBgra)(luma, cb, cr, out, count);
 }
 
 void mixUnder(std::uint8_t* picture, const std::uint8_t* under, const std::uint8_t* mask, int count) {

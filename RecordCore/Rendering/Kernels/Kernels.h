@@ -15,11 +15,18 @@ namespace Kernels {
 void weighRows(const std::uint8_t* const* rows, const std::int16_t* weights, int taps, std::int16_t* out,
                int count);
 
-/// Weighs samples within a row: out[i] = Σ in[starts[i] + t] × weights[i × padded + t] / (16384 × 64),
-/// limited to 0…255. `padded` is a multiple of 8; `in` must be readable `padded` samples beyond the last
-/// start. Exactly `count` bytes are written.
+/// Weighs samples within a row: out[i] = Σ in[starts[i] + t] × weight of tap t / (16384 × 64), limited to
+/// 0…255. `count` and `padded`, the number of taps, are multiples of 8. Weights are grouped: for each eight
+/// outputs, for each eight taps, those of the outputs 0, 4, 1, 5, 2, 6, 3, 7. `in` must be readable `padded`
+/// samples beyond the last start.
 void weighColumns(const std::int16_t* in, const std::int32_t* starts, const std::int16_t* weights, int padded,
                   std::uint8_t* out, int count);
+
+/// Converts a row to the bytes B, G, R, 255. Chroma comes for every column, in eighths of a step with 0 for
+/// grey. Works in whole vectors: all three inputs must be readable and `out` writable up to 64 columns
+/// beyond `count`.
+void rowToBgra(const std::uint8_t* luma, const std::int16_t* cb, const std::int16_t* cr, std::uint8_t* out,
+               int count);
 
 /// picture = under where mask is 0, unchanged where it is 255, mixed in between.
 void mixUnder(std::uint8_t* picture, const std::uint8_t* under, const std::uint8_t* mask, int count);
