@@ -110,7 +110,7 @@ TEST_F(CanvasTest, redrawsExactlyWhatDrawingEverythingDraws) {
         int stillFrames = 0;
         for (int i = 0; i < 160; ++i) {
             if (random.below(3) == 0) state = randomState(random, state);
-            FrameHints hints{true, true};
+            SourceHints hints{true, true};
             if (i == 0) hints = {};
             if (random.below(3) == 0) {
                 SamplePictures::scribble(source, random.below(500), random.below(330), 1 + random.below(40),
