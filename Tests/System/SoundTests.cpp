@@ -4,6 +4,7 @@
 #include "RecordCore/Capture/SoundTrackWriter.h"
 #include "RecordCore/Media/SoundReader.h"
 #include "RecordCore/Model/RecordingError.h"
+#include "Tests/Support/RealMedia.h"
 #include "Tests/System/PulseDaemon.h"
 
 #include <gtest/gtest.h>
@@ -102,32 +103,13 @@ private:
     std::jthread thread;
 };
 
-/// A recording of one stream from the moment it is made.
-class Recording {
-public:
-    explicit Recording(std::unique_ptr<SoundStream> source) : stream(std::move(source)) {
-        stream->start(
-            {[this](const SoundBlock& block) { track.add(block); },
-             [this](bool present, const std::string&) { (present ? returns : losses).fetch_add(1); }});
-        origin = monotonicSeconds();
-        track.begin(origin);
-        ticker = std::jthread([this](const std::stop_token& stop) {
-            while (!stop.stop_requested()) {
-                track.advance();
-                std::this_thread::sleep_for(std::chrono::milliseconds(100));
-            }
-        });
-    }
-    void runUntil(double seconds) {
-        while (monotonicSeconds() < origin + seconds)
-            pauseShortly();
-    }
-    void finish() {
-        ticker.request_stop();
-        ticker.join();
-        stream->stop();
-        end = monotonicSeconds();
-        track.finish(end);
+/// What a recorded track holds.
+struct Track {
+    std::vector<float> left;
+
+    void add(std::span<const float> samples) {
+        for (std::size_t i = 0; i < samples.size(); i += 2)
+            left.push_back(samples[i]);
     }
 
     /// Level of a frequency in the track's left channel, 0 dB for a full-scale sine, in the loudest twentieth
@@ -165,13 +147,43 @@ public:
         return found;
     }
     double length() const { return static_cast<double>(left.size()) / soundRate; }
+};
+
+/// A recording of one stream from the moment it is made.
+class Recording : public Track {
+public:
+    explicit Recording(std::unique_ptr<SoundStream> source, SoundEncoder* encoder = nullptr) :
+        stream(std::move(source)),
+        track(HostClock::system(), [this, encoder](std::span<const float> samples) {
+            add(samples);
+            if (encoder) encoder->encode(samples);
+        }) {
+        stream->start(
+            {[this](const SoundBlock& block) { track.add(block); },
+             [this](bool present, const std::string&) { (present ? returns : losses).fetch_add(1); }});
+        origin = monotonicSeconds();
+        track.begin(origin);
+        ticker = std::jthread([this](const std::stop_token& stop) {
+            while (!stop.stop_requested()) {
+                track.advance();
+                std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            }
+        });
+    }
+    void runUntil(double seconds) {
+        while (monotonicSeconds() < origin + seconds)
+            pauseShortly();
+    }
+    void finish() {
+        ticker.request_stop();
+        ticker.join();
+        stream->stop();
+        end = monotonicSeconds();
+        track.finish(end);
+    }
 
     std::unique_ptr<SoundStream> stream;
-    std::vector<float> left;
-    SoundTrackWriter track{HostClock::system(), [this](std::span<const float> samples) {
-                               for (std::size_t i = 0; i < samples.size(); i += 2)
-                                   left.push_back(samples[i]);
-                           }};
+    SoundTrackWriter track;
     std::atomic<int> losses{0};
     std::atomic<int> returns{0};
     double origin = 0;
@@ -179,12 +191,12 @@ public:
     std::jthread ticker;
 };
 
-/// How far the bursts in a recording are from where they belong, at the most; `phase` is the host time of
-/// any one of them.
-double worstOnset(const Recording& recording, double phase) {
+/// How far the bursts in a track that starts at `origin` are from where they belong, at the most; `phase` is
+/// the host time of any one of them.
+double worstOnset(const Track& track, double origin, double phase) {
     double worst = 0;
-    for (const double onset : recording.onsets()) {
-        const double late = recording.origin + onset - phase;
+    for (const double onset : track.onsets()) {
+        const double late = origin + onset - phase;
         worst = std::max(worst, std::abs(late - std::round(late)));
     }
     return worst;
@@ -206,11 +218,37 @@ TEST_F(Sound, KeepsMicrophoneAndSystemSoundApartAndInStep) {
     daemon->plugMicrophone("desk");
     const Speaker voice(daemon->pipeOf("desk"), 1000, true, 400e-6);
     Player music(nullptr, 440, true);
-    Recording microphone(sound.openMicrophone("desk"));
-    Recording system(sound.openSystemSound());
+    const RealMedia media;
+    const TemporaryFolder folder;
+    const std::filesystem::path file = folder / "sound.mp4";
+    const auto movie = media.createMovie(file, MovieLayout::recording);
+    // A black picture that stands: the file's times are those of its video.
+    const std::vector<std::uint8_t> luma(64 * 64, 16);
+    const std::vector<std::uint8_t> chroma(32 * 32, 128);
+    const PlanarView black{{luma.data(), chroma.data(), chroma.data()}, {64, 32, 32}, 64, 64};
+    VideoSettings settings;
+    settings.width = settings.height = 64;
+    settings.bitrate = 100000;
+    settings.realTime = true;
+    const auto video = media.makeVideoEncoder(settings, [&](const Packet& p) { movie->write(0, p); });
+    ASSERT_EQ(movie->addTrack(video->description()), 0);
+    std::array<std::unique_ptr<SoundEncoder>, 2> encoders;
+    for (int track = 1; track <= 2; ++track) {
+        auto& encoder = encoders[static_cast<std::size_t>(track - 1)];
+        encoder = media.makeSoundEncoder(192000, [&, track](const Packet& p) { movie->write(track, p); });
+        ASSERT_EQ(movie->addTrack(encoder->description()), track);
+    }
+    movie->begin();
+    video->encode(black, 0);
+    Recording system(sound.openSystemSound(), encoders[0].get());
+    Recording microphone(sound.openMicrophone("desk"), encoders[1].get());
     system.runUntil(7);
     microphone.finish();
     system.finish();
+    video->finish(7 * 60);
+    for (const auto& encoder : encoders)
+        encoder->finish();
+    movie->finish();
     const double played = music.finish();
 
     EXPECT_NEAR(microphone.length(), microphone.end - microphone.origin, 1e-4);
@@ -221,10 +259,29 @@ TEST_F(Sound, KeepsMicrophoneAndSystemSoundApartAndInStep) {
     EXPECT_LT(system.decibels(1000, 1, 6), -40);
     EXPECT_GE(microphone.onsets().size(), 6U);
     EXPECT_GE(system.onsets().size(), 5U);
-    EXPECT_LT(worstOnset(microphone, 0), 0.025);
-    EXPECT_LT(worstOnset(system, played), 0.025);
-    RecordProperty("microphoneMicroseconds", static_cast<int>(worstOnset(microphone, 0) * 1e6));
-    RecordProperty("systemMicroseconds", static_cast<int>(worstOnset(system, played) * 1e6));
+    EXPECT_LT(worstOnset(microphone, microphone.origin, 0), 0.025);
+    EXPECT_LT(worstOnset(system, system.origin, played), 0.025);
+
+    // The same again as it comes out of the file.
+    const auto readers = media.openSound(file);
+    ASSERT_EQ(readers.size(), 2U);
+    std::array<Track, 2> decoded;
+    for (std::size_t i = 0; i < 2; ++i) {
+        std::vector<float> samples(static_cast<std::size_t>(2 * readers[i]->end()));
+        readers[i]->read(0, samples);
+        decoded[i].add(samples);
+    }
+    EXPECT_NEAR(decoded[0].length(), system.length(), 0.03); // whole AAC frames
+    EXPECT_NEAR(decoded[1].length(), microphone.length(), 0.03);
+    EXPECT_GT(decoded[0].decibels(440, 1, 6), -10);
+    EXPECT_LT(decoded[0].decibels(1000, 1, 6), -40);
+    EXPECT_GT(decoded[1].decibels(1000, 1, 6), -10);
+    EXPECT_LT(decoded[1].decibels(440, 1, 6), -40);
+    EXPECT_LT(worstOnset(decoded[0], system.origin, played), 0.025);
+    EXPECT_LT(worstOnset(decoded[1], microphone.origin, 0), 0.025);
+    RecordProperty("microphoneMicroseconds",
+                   static_cast<int>(worstOnset(microphone, microphone.origin, 0) * 1e6));
+    RecordProperty("systemMicroseconds", static_cast<int>(worstOnset(system, system.origin, played) * 1e6));
 }
 
 TEST_F(Sound, RidesOutAMicrophoneThatGoesAndReturns) {
@@ -246,11 +303,11 @@ TEST_F(Sound, RidesOutAMicrophoneThatGoesAndReturns) {
 
     EXPECT_NEAR(microphone.length(), microphone.end - microphone.origin, 1e-4);
     EXPECT_LT(microphone.decibels(1000, gone + 0.1, back - 0.1), -150); // silence to the last bit
-    EXPECT_LT(worstOnset(microphone, 0), 0.025);
+    EXPECT_LT(worstOnset(microphone, microphone.origin, 0), 0.025);
     const std::vector<double> onsets = microphone.onsets();
     EXPECT_GE(std::count_if(onsets.begin(), onsets.end(), [=](double t) { return t > back; }), 3);
     EXPECT_GE(std::count_if(onsets.begin(), onsets.end(), [=](double t) { return t < gone; }), 2);
-    RecordProperty("worstMicroseconds", static_cast<int>(worstOnset(microphone, 0) * 1e6));
+    RecordProperty("worstMicroseconds", static_cast<int>(worstOnset(microphone, microphone.origin, 0) * 1e6));
 }
 
 TEST_F(Sound, FollowsTheDefaultOutput) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "RecordCore/Media/MovieWriter.h"
+#include "RecordCore/Media/PictureDecoder.h"
 #include "RecordCore/Media/SoundEncoder.h"
 #include "RecordCore/Media/SoundReader.h"
 #include "RecordCore/Media/VideoEncoder.h"
@@ -17,6 +18,7 @@ namespace RecordCore::FFmpeg {
 
 SourceInfo sourceInfo(const std::filesystem::path& file);
 std::unique_ptr<VideoReader> openVideo(const std::filesystem::path& file, int threads);
+std::unique_ptr<PictureDecoder> makePictureDecoder();
 std::vector<std::unique_ptr<SoundReader>> openSound(const std::filesystem::path& file);
 
 std::unique_ptr<SoundEncoder> makeSoundEncoder(std::int64_t bitrate, PacketSink sink);

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "RecordCore/Capture/CameraStream.h"
+#include "RecordCore/Capture/CapturePicture.h"
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+
+namespace RecordCore {
+
+/// Shows a camera while nothing is recorded: keeps the newest frame for whoever draws it. `start`, `stop`
+/// and `running` belong to one thread; `picture` may be called from any.
+class CameraPreview {
+public:
+    /// The backend must outlive the object. An empty id is the default camera.
+    explicit CameraPreview(const CameraBackend& cameras, std::string id = {});
+    ~CameraPreview();
+    CameraPreview(const CameraPreview&) = delete;
+    CameraPreview& operator=(const CameraPreview&) = delete;
+
+    /// Called on the camera's thread for every new picture. Set before `start`.
+    std::function<void()> onPicture;
+    /// Called on the camera's thread when the camera goes away. Set before `start`.
+    std::function<void(const std::string& message)> onEnd;
+
+    /// Nothing when it runs already. Throws RecordingError: "no camera", "camera busy", "camera output".
+    void start();
+    void stop();
+    bool running() const { return stream != nullptr; }
+
+    /// The newest picture, null before the first. It does not change while it is held.
+    std::shared_ptr<const CapturePicture> picture() const;
+
+private:
+    void keep(const PlanarView& view);
+
+    const CameraBackend& cameras;
+    const std::string id;
+    std::unique_ptr<CameraStream> stream;
+
+    mutable std::mutex mutex;
+    std::shared_ptr<CapturePicture> newest; ///< guarded by the mutex
+    std::shared_ptr<CapturePicture> spare;  ///< camera's thread: used again when nobody holds it any more
+};
+
+} // namespace RecordCore
