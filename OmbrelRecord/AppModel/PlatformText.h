@@ -14,6 +14,7 @@ inline constexpr std::string_view computer = "computer";
 /// Where the user allows things, as in "Turn it on in …".
 inline constexpr std::string_view microphoneSettings = "Settings → Privacy → Microphone";
 inline constexpr std::string_view cameraSettings = "Settings → Privacy → Camera";
+inline constexpr std::string_view speechSettings = "your desktop's privacy settings";
 /// What to do where the screen cannot be recorded and no page of settings can be opened for it.
 inline constexpr std::string_view noScreenAccess = "Ombrel Record can't see this screen. Log in to a desktop "
                                                    "session, allow screen recording when it asks, and "

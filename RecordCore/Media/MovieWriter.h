@@ -9,6 +9,8 @@ enum class MovieLayout {
     /// `finish`; the index stands at the front. Without `finish` nothing is left behind and an old file at
     /// the destination is untouched.
     film,
+    /// A film that its owner alone may read, for sound that passes through a folder shared by all users.
+    privateFilm,
     /// A recording in progress: written in place, in fragments of at most one second that are handed to the
     /// operating system as they come (`tick` closes a fragment when no packet arrives), so that the file is
     /// readable up to the last second after a crash. `finish` replaces it by a plain MP4 with the index at

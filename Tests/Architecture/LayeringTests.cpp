@@ -74,6 +74,10 @@ TEST(Layering, TellsBreachesFromWhatIsAllowed) {
         {"OmbrelRecord/AppModel/A.cpp", "#include \"RecordCore/Capture/ScreenRecorder.h\"", true},
         {"OmbrelRecord/AppModel/A.cpp", "#include \"OmbrelRecord/Entry/Entry.h\"", false},
         {"RecordCore/Model/A.cpp", "#include \"OmbrelRecord/AppModel/Library.h\"", false},
+        {"OmbrelRecord/EditorModel/A.cpp", "#include \"OmbrelRecord/Transcriber/Transcriber.h\"", true},
+        {"OmbrelRecord/EditorModel/A.cpp", "#include \"OmbrelRecord/Transcriber/Whisper/A.h\"", false},
+        {"OmbrelRecord/Transcriber/A.cpp", "#include \"OmbrelRecord/AppModel/Library.h\"", false},
+        {"OmbrelRecord/Transcriber/A.cpp", "#include <QObject>", false},
         // Libraries.
         {"RecordCore/Media/FFmpeg/A.h", "#include <libavcodec/avcodec.h>", true},
         {"RecordCore/Media/A.h", "#include <libavutil/frame.h>", false},
