@@ -16,11 +16,11 @@ constexpr std::uint64_t mebibyte = 1024 * 1024;
 }
 
 std::uint64_t DiskSpace::warning() const {
-    return std::min(2048 * mebibyte, total / 8);
+    return std::min(2048 * mebibyte, std::max(total / 8, 2 * reserve()));
 }
 
 std::uint64_t DiskSpace::reserve() const {
-    return std::min(256 * mebibyte, total / 20);
+    return std::clamp(total / 20, 4 * mebibyte, 256 * mebibyte);
 }
 
 DiskSpace DiskSpace::of(const std::filesystem::path& folder) {

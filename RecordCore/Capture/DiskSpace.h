@@ -13,7 +13,7 @@ struct DiskSpace {
     /// Below it the recording says so: 2 GiB, or an eighth of a small disk.
     std::uint64_t warning() const;
     /// Below it the recording ends while there is still room to finish it: 256 MiB, or a twentieth of a small
-    /// disk.
+    /// disk, but not less than some seconds of a recording take (4 MiB).
     std::uint64_t reserve() const;
 
     /// Throws RecordingError when the folder's disk cannot be asked.

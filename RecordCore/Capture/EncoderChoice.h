@@ -1,6 +1,5 @@
 #pragma once
 
-#include "RecordCore/Capture/HostClock.h"
 #include "RecordCore/Media/MediaBackend.h"
 
 #include <functional>
@@ -17,8 +16,8 @@ std::int64_t recordingBitrate(int width, int height, int fps);
 /// slowest of the fast presets that does. Keeping every frame is worth more than a codec's name. Trials take
 /// some tenths of a second; their outcome is remembered for the process. Throws RecordingError when not even
 /// H.264 can be made. `log` receives what was chosen and why.
-std::unique_ptr<VideoEncoder> chooseEncoder(const MediaBackend& media, const HostClock& clock, int width,
-                                            int height, int fps, PacketSink sink,
+std::unique_ptr<VideoEncoder> chooseEncoder(const MediaBackend& media, int width, int height, int fps,
+                                            PacketSink sink,
                                             const std::function<void(const std::string&)>& log);
 
 /// Time base of a recording's picture.

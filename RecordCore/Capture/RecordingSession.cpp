@@ -51,8 +51,16 @@ void RecordingSession::start() {
     }
     journal = std::make_unique<RecordingJournal>(files.journal(), services.screen.clock);
     try {
+        if (setup.camera) startCamera();
         recorder = std::make_unique<ScreenRecorder>(setup.screen, services.screen);
         recorder->onStop = onStop;
+        recorder->onUpkeep = [this] {
+            if (cameraNoted || !camera) return;
+            if (const auto first = camera->firstFrameTime()) {
+                journal->camera(*first);
+                cameraNoted = true;
+            }
+        };
         recorder->start(files.video(), journal.get());
         input = std::make_unique<InputRecorder>(region(), services.screen.screen.openInput(),
                                                 services.screen.clock, journal.get());
@@ -60,10 +68,36 @@ void RecordingSession::start() {
     } catch (...) {
         input.reset();
         recorder.reset();
+        stopCamera();
         journal->remove();
         std::error_code ignored;
         std::filesystem::remove(files.video(), ignored);
+        std::filesystem::remove(files.camera(), ignored);
         throw;
+    }
+}
+
+/// A recording without its camera is better than none.
+void RecordingSession::startCamera() {
+    try {
+        if (services.cameras == nullptr) throw RecordingError("no camera");
+        camera = std::make_unique<CameraRecorder>(*services.cameras, services.screen.media, setup.cameraID);
+        camera->onEnd = [this](const std::string& message) {
+            if (services.screen.log) services.screen.log(fmt::format("record: camera: {}", message));
+        };
+        camera->start(files.camera());
+    } catch (const RecordingError& error) {
+        camera.reset();
+        trouble = fmt::format("The camera couldn't start, so this recording has no camera: {}", error.what());
+    }
+}
+
+void RecordingSession::stopCamera() {
+    if (!camera) return;
+    try {
+        camera->stop();
+    } catch (const RecordingError& error) {
+        trouble = error.what();
     }
 }
 
@@ -74,11 +108,19 @@ InputLog RecordingSession::stop() {
     } catch (const RecordingError&) {
         failure = std::current_exception();
     }
-    InputLog log = input->stop(recorder->firstFrameTime().value_or(0));
+    stopCamera();
+    const auto first = recorder->firstFrameTime();
+    InputLog log = input->stop(first.value_or(0));
     input.reset();
+    if (const auto seen = camera ? camera->firstFrameTime() : std::nullopt; seen && first)
+        log.cameraOffset = *seen - *first;
     if (failure) {
         // Nothing to keep, unless the movie is there and can only not be read now.
-        if (!std::filesystem::exists(files.video())) journal->remove();
+        if (!std::filesystem::exists(files.video())) {
+            journal->remove();
+            std::error_code ignored;
+            std::filesystem::remove(files.camera(), ignored);
+        }
         std::rethrow_exception(failure);
     }
     log.save(files.input());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "RecordCore/Capture/CameraRecorder.h"
 #include "RecordCore/Capture/CameraStream.h"
 #include "RecordCore/Capture/InputRecorder.h"
 #include "RecordCore/Capture/RecordingJournal.h"
@@ -50,12 +51,16 @@ public:
 
 private:
     InputRecorder::Region region() const;
+    void startCamera();
+    void stopCamera();
 
     RecordingFiles files;
     Setup setup;
     Services services;
     std::string trouble;
     std::unique_ptr<RecordingJournal> journal;
+    std::unique_ptr<CameraRecorder> camera;
+    bool cameraNoted = false; ///< in the journal; the screen recorder's encoding thread's
     std::unique_ptr<ScreenRecorder> recorder;
     std::unique_ptr<InputRecorder> input;
 };

@@ -19,7 +19,7 @@ constexpr int pictures = 6; // a key frame takes several frames' time
 constexpr std::int64_t soundBitrate = 192000;
 constexpr double keyInterval = 2;    // seconds between key frames
 constexpr double refineAfter = 0.25; // seconds: a still is sent once more, for quality
-constexpr double repeatEvery = 0.8;  // seconds: a still is repeated, so that a crash does not cost its length
+constexpr double repeatEvery = 0.7;  // seconds: a still is repeated, so that a crash does not cost its length
 constexpr double dropReportEvery = 5; // seconds
 constexpr double flushEvery = 0.7;    // seconds, the most a crash may take
 constexpr double upkeepEvery = 0.1;   // seconds
@@ -70,7 +70,7 @@ void ScreenRecorder::start(const std::filesystem::path& target, RecordingJournal
     try {
         movie = services.media.createMovie(file, MovieLayout::recording);
         encoder = chooseEncoder(
-            services.media, services.clock, stream->width(), stream->height(), setup.fps,
+            services.media, stream->width(), stream->height(), setup.fps,
             [this](const Packet& packet) { movie->write(videoTrack, packet); }, services.log);
         counts.encoder = encoder->name();
         videoTrack = movie->addTrack(encoder->description());
@@ -209,6 +209,7 @@ void ScreenRecorder::keepUp() {
     if (now - lastUpkeep < upkeepEvery) return;
     lastUpkeep = now;
     if (journal != nullptr) journal->flush();
+    if (onUpkeep) onUpkeep();
     // Told as it happens, but once in a while only: a machine that is too slow loses frames all the time.
     if (const std::int64_t dropped = queue->dropped(); dropped != droppedKnown && now >= nextDropReport) {
         services.log(fmt::format("record: {} frames dropped so far, the encoder is too slow", dropped));
@@ -218,8 +219,12 @@ void ScreenRecorder::keepUp() {
     if (failed) return;
     for (const auto& sound : sounds)
         sound->writer->advance();
-    movie->tick();
-    watchDisk();
+    if (now - lastFlush >= flushEvery || stillWritten) {
+        movie->flush();
+        lastFlush = now;
+        stillWritten = false;
+        watchDisk();
+    }
 }
 
 void ScreenRecorder::watchDisk() {

@@ -81,6 +81,9 @@ public:
     /// closed, the disk is full. The owner then calls `stop`, from another thread. Set before `start`.
     std::function<void(const std::string& message)> onStop;
 
+    /// Called some times a second while it records, on the encoding thread. Set before `start`.
+    std::function<void()> onUpkeep;
+
 private:
     struct SoundTrack {
         std::unique_ptr<SoundStream> stream;

@@ -258,7 +258,8 @@ TEST(EncoderChoice, BitrateFollowsTheSizeAndHasAFloor) {
 
 TEST(DiskSpace, KeepsAReserveThatSuitsTheDisk) {
     constexpr std::uint64_t mebibyte = 1024 * 1024;
-    const DiskSpace small{0, 100 * mebibyte}, large{0, 1000000 * mebibyte};
+    const DiskSpace tiny{0, 8 * mebibyte}, small{0, 100 * mebibyte}, large{0, 1000000 * mebibyte};
+    EXPECT_EQ(tiny.reserve(), 4 * mebibyte);
     EXPECT_EQ(small.reserve(), 5 * mebibyte);
     EXPECT_EQ(large.reserve(), 256 * mebibyte);
     EXPECT_LT(small.reserve(), small.warning());

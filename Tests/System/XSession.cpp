@@ -1,6 +1,7 @@
 #include "Tests/System/XSession.h"
 
 #include <cmath>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -40,6 +41,14 @@ XSession::~XSession() {
     line.reset();
     manager.reset();
     server.reset();
+}
+
+void XSession::freeze() {
+    ::kill(server->id(), SIGSTOP);
+}
+
+void XSession::thaw() {
+    ::kill(server->id(), SIGCONT);
 }
 
 void XSession::sync() {
@@ -161,12 +170,16 @@ void TestWindow::fill(std::uint32_t color) {
 }
 
 void TestWindow::fill(std::uint32_t color, int x, int y, int w, int h) {
+    draw(color, x, y, w, h);
+    session.sync();
+}
+
+void TestWindow::draw(std::uint32_t color, int x, int y, int w, int h) {
     xcb_connection_t* c = session.connection().get();
     xcb_change_gc(c, context, XCB_GC_FOREGROUND, &color);
     const xcb_rectangle_t rectangle{static_cast<std::int16_t>(x), static_cast<std::int16_t>(y),
                                     static_cast<std::uint16_t>(w), static_cast<std::uint16_t>(h)};
     xcb_poly_fill_rectangle(c, window, context, 1, &rectangle);
-    session.sync();
 }
 
 void TestWindow::resize(int w, int h, std::uint32_t color) {

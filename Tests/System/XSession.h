@@ -34,6 +34,10 @@ public:
     void click(int button);
     void typeKey(char letter);
 
+    /// The server answers nobody for a while.
+    void freeze();
+    void thaw();
+
     /// Waits until the server has done everything that was asked of it on this connection.
     void sync();
 
@@ -60,6 +64,8 @@ public:
     xcb_window_t id() const { return window; }
     void fill(std::uint32_t color);
     void fill(std::uint32_t color, int x, int y, int width, int height);
+    /// The same without waiting for the server.
+    void draw(std::uint32_t color, int x, int y, int width, int height);
     /// `color` also becomes what the server paints when the window is shown or enlarged.
     void resize(int width, int height, std::uint32_t color);
     void move(int x, int y);

@@ -119,7 +119,9 @@ void Encoder::open() {
     parameters.i_height = settings.height;
     parameters.i_csp = X264_CSP_I420;
     parameters.i_threads = settings.threads > 0 ? settings.threads : X264_THREADS_AUTO;
-    parameters.b_vfr_input = 1;
+    // With true durations the encoder waits for the next frame to know how long one lasts. A still screen has
+    // no next frame, and what a crash would take must not depend on it.
+    parameters.b_vfr_input = settings.realTime ? 0 : 1;
     parameters.i_timebase_num = static_cast<std::uint32_t>(settings.timeBase.num);
     parameters.i_timebase_den = static_cast<std::uint32_t>(settings.timeBase.den);
     parameters.i_fps_num = static_cast<std::uint32_t>(std::lround(settings.frameRate * 1000));

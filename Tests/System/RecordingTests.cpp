@@ -1,0 +1,296 @@
+// The program itself records real screens; what comes out of its files is looked at.
+
+#include "RecordCore/Capture/RecordingJournal.h"
+#include "RecordCore/Media/FFmpeg/FFmpegMedia.h"
+#include "RecordCore/Model/ActivitySample.h"
+#include "RecordCore/Model/AtomicFile.h"
+#include "RecordCore/Model/InputLog.h"
+#include "RecordCore/Model/RecordingFiles.h"
+#include "Tests/System/XSession.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <csignal>
+#include <cstdlib>
+#include <random>
+#include <sys/stat.h>
+#include <thread>
+
+using namespace RecordCore;
+using Kind = InputLog::Event::Kind;
+
+namespace {
+
+const char* program() {
+    const char* other = std::getenv("OMBREL_RECORD_PROGRAM");
+    return other != nullptr ? other : OMBREL_RECORD_PROGRAM;
+}
+
+class Recording : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!XSession::installed()) GTEST_SKIP() << "Xvfb, openbox and xrandr are not all installed";
+        session = std::make_unique<XSession>(800, 600);
+    }
+
+    /// Starts `record` and waits until frames are being written.
+    ChildProcess& record(std::vector<std::string> options = {}) {
+        std::vector<std::string> command{program(), "record", "-o", files.folder.string()};
+        command.insert(command.end(), options.begin(), options.end());
+        recorder.emplace(command, ChildProcess::Options{{}, output});
+        EXPECT_TRUE(eventually(20, [this] {
+            return std::filesystem::exists(files.journal()) &&
+                   JournalContents::read(files.journal()).origin.has_value();
+        })) << said();
+        return *recorder;
+    }
+    /// Ctrl-C, and the program's status.
+    int stop() {
+        ::kill(recorder->id(), SIGINT);
+        return recorder->wait();
+    }
+    std::string said() { return std::filesystem::exists(output) ? readFile(output) : std::string(); }
+
+    /// A plain file has its index before the pictures and no fragments.
+    static bool plain(const std::filesystem::path& movie) {
+        const std::string bytes = readFile(movie);
+        return bytes.find("moov") < bytes.find("mdat") && bytes.find("moof") == std::string::npos;
+    }
+    /// Decodes the whole movie: the time and the luma of one pixel in each of its frames.
+    std::vector<std::pair<double, int>> luma(int x, int y) {
+        std::vector<std::pair<double, int>> values;
+        const auto reader = FFmpeg::openVideo(files.video(), 1);
+        while (const auto frame = reader->next())
+            values.emplace_back(frame->time, frame->picture.planes[0][y * frame->picture.strides[0] + x]);
+        return values;
+    }
+    void expectComplete() {
+        EXPECT_TRUE(plain(files.video()));
+        EXPECT_NO_THROW(static_cast<void>(InputLog::load(files.input())));
+        EXPECT_NO_THROW(static_cast<void>(loadActivity(files.activity())));
+        EXPECT_FALSE(std::filesystem::exists(files.journal()));
+    }
+
+    TemporaryFolder folder;
+    RecordingFiles files{folder / "recording"};
+    std::filesystem::path output = folder / "said";
+    std::unique_ptr<XSession> session;
+    std::optional<ChildProcess> recorder;
+};
+
+/// Draws noise into a window, at the pace of a video.
+class Busy {
+public:
+    explicit Busy(TestWindow& window) :
+        thread([&window](const std::stop_token& stop) {
+            std::mt19937 random(1);
+            while (!stop.stop_requested()) {
+                for (int i = 0; i < 150; ++i)
+                    window.draw(random() & 0xFFFFFF, static_cast<int>(random() % 500),
+                                static_cast<int>(random() % 400), 23, 17);
+                window.fill(random() & 0xFFFFFF, 0, 0, 9, 9);
+                std::this_thread::sleep_for(std::chrono::milliseconds(15));
+            }
+        }) {}
+
+private:
+    std::jthread thread;
+};
+
+} // namespace
+
+TEST_F(Recording, ClicksAndWhatTheyDoOnTheScreenAgree) {
+    ChildProcess flash({OMBREL_FLASH_PROGRAM, "100", "80", "400", "300"}, {});
+    ASSERT_TRUE(eventually(10, [this] {
+        session->movePointer(150, 180);
+        const XcbReply<xcb_query_pointer_reply_t> over(xcb_query_pointer_reply(
+            session->connection().get(),
+            xcb_query_pointer(session->connection().get(), session->connection().root()), nullptr));
+        return over && over->child != XCB_WINDOW_NONE;
+    }));
+    record();
+    constexpr int clicks = 9;
+    for (int i = 0; i < clicks; ++i) {
+        session->movePointer(150 + 30 * i, 180);
+        session->click(1);
+        std::this_thread::sleep_for(std::chrono::milliseconds(170 + 13 * i)); // at no beat of the frames
+    }
+    ASSERT_EQ(stop(), 0) << said();
+    expectComplete();
+
+    std::vector<InputLog::Event> seen;
+    const InputLog log = InputLog::load(files.input());
+    for (const auto& event : log.events)
+        if (event.kind == Kind::click) seen.push_back(event);
+    ASSERT_EQ(seen.size(), static_cast<std::size_t>(clicks));
+    std::vector<double> flashes;
+    int before = 0;
+    for (const auto& [time, value] : luma(300, 300)) {
+        if (std::abs(value - before) > 100 && before != 0) flashes.push_back(time);
+        before = value;
+    }
+    ASSERT_EQ(flashes.size(), seen.size());
+    std::vector<double> distances;
+    for (std::size_t i = 0; i < seen.size(); ++i) {
+        EXPECT_EQ(*seen[i].x, (150 + 30 * static_cast<double>(i)) / 800);
+        EXPECT_EQ(*seen[i].y, 180.0 / 600);
+        distances.push_back(std::abs(flashes[i] - seen[i].t));
+    }
+    // The median: a machine that is busy with other tests may delay one or the other, but not move them all.
+    std::nth_element(distances.begin(), distances.begin() + clicks / 2, distances.end());
+    EXPECT_LE(distances[clicks / 2], 0.025);
+    RecordProperty("medianMilliseconds", std::to_string(distances[clicks / 2] * 1000));
+
+    // The pointer's track leads through the clicks, and the pointer is not in the picture: where it stood,
+    // the window is as plain as beside it.
+    for (const auto& click : seen)
+        EXPECT_TRUE(std::any_of(log.cursor.begin(), log.cursor.end(), [&click](const auto& sample) {
+            return sample.x == *click.x && std::abs(sample.t - click.t) < 0.2;
+        }));
+    const auto under = luma(150 + 30 * (clicks - 1) + 2, 183);
+    EXPECT_NEAR(under.back().second, luma(300, 300).back().second, 3);
+}
+
+TEST_F(Recording, KeysAreMomentsAndScrollsAreThinned) {
+    record();
+    session->movePointer(400, 300);
+    for (const char letter : {'s', 'e', 'c', 'r', 'e', 't'})
+        session->typeKey(letter);
+    for (int i = 0; i < 40; ++i) {
+        session->click(5);
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    ASSERT_EQ(stop(), 0) << said();
+    const InputLog log = InputLog::load(files.input());
+    EXPECT_EQ(log.keysTracked, true);
+    EXPECT_EQ(log.cursorInVideo, false);
+    int keys = 0;
+    std::vector<double> scrolls;
+    for (const auto& event : log.events) {
+        if (event.kind == Kind::key) {
+            ++keys;
+            EXPECT_FALSE(event.x || event.y);
+        }
+        if (event.kind == Kind::scroll) scrolls.push_back(event.t);
+    }
+    EXPECT_EQ(keys, 6);
+    ASSERT_GE(scrolls.size(), 4U);
+    EXPECT_LE(scrolls.size(), (scrolls.back() - scrolls.front()) / 0.1 + 1);
+    for (std::size_t i = 1; i < scrolls.size(); ++i)
+        EXPECT_GT(scrolls[i] - scrolls[i - 1], 0.1);
+}
+
+TEST_F(Recording, IsForItsOwnerOnlyAndNeverOverwritesAnother) {
+    TestWindow window(*session, "busy", 50, 50, 500, 400, 0x808080);
+    record({"--seconds", "1.5"});
+    window.fill(0xFFFFFF);
+    EXPECT_EQ(recorder->wait(), 0) << said();
+    expectComplete();
+    struct stat facts {};
+    for (const auto& file : {files.video(), files.input(), files.activity()}) {
+        ASSERT_EQ(stat(file.c_str(), &facts), 0);
+        EXPECT_EQ(facts.st_mode & 0777, 0600) << file;
+    }
+    ASSERT_EQ(stat(files.folder.c_str(), &facts), 0);
+    EXPECT_EQ(facts.st_mode & 0777, 0700);
+    EXPECT_NEAR(FFmpeg::sourceInfo(files.video()).duration, 1.5, 0.5);
+    const std::string bytes = readFile(files.video());
+    EXPECT_EQ(
+        ChildProcess::run({program(), "record", "-o", files.folder.string(), "--seconds", "1"}, {{}, output}),
+        1);
+    EXPECT_THAT(said(), testing::HasSubstr("holds a recording already"));
+    EXPECT_EQ(readFile(files.video()), bytes);
+}
+
+TEST_F(Recording, AWindowThatClosesEndsItAndKeepsIt) {
+    TestWindow window(*session, "closes", 50, 50, 500, 401, 0x808080);
+    record({"--window", std::to_string(window.id())});
+    window.fill(0xFFFFFF);
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    window.close();
+    EXPECT_EQ(recorder->wait(), 1);
+    EXPECT_THAT(said(), testing::HasSubstr("recording stopped: the window was closed"));
+    expectComplete();
+    EXPECT_GE(luma(100, 100).size(), 1U);
+}
+
+TEST_F(Recording, StopsThoughTheServerHangs) {
+    record();
+    session->freeze();
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    ::kill(recorder->id(), SIGTERM);
+    const bool stopped = eventually(15, [this] { return !recorder->running(); });
+    session->thaw();
+    ASSERT_TRUE(stopped);
+    EXPECT_EQ(recorder->wait(), 0) << said();
+    expectComplete();
+}
+
+// OMBREL_KILLS says how many times; each takes some seconds.
+TEST_F(Recording, AKillAtAnyMomentLosesAtMostASecond) {
+    const char* wanted = std::getenv("OMBREL_KILLS");
+    const int kills = wanted != nullptr ? std::atoi(wanted) : 4;
+    std::random_device seed;
+    std::mt19937 random(seed());
+    TestWindow window(*session, "busy", 50, 50, 600, 500, 0x808080);
+    double worst = 0;
+    for (int i = 0; i < kills; ++i) {
+        std::optional<Busy> busy;
+        if (i % 2 == 1) busy.emplace(window);
+        files = RecordingFiles{folder / ("killed" + std::to_string(i)).c_str()};
+        record();
+        std::this_thread::sleep_for(std::chrono::milliseconds(300 + random() % 3000));
+        session->typeKey('x');
+        const double killed = monotonicSeconds();
+        recorder->kill();
+        busy.reset();
+        const double length = killed - *JournalContents::read(files.journal()).origin;
+
+        // Whoever touches the folder next makes it whole.
+        EXPECT_EQ(ChildProcess::run({program(), "record", "-o", files.folder.string(), "--seconds", "1"},
+                                    {{}, output}),
+                  1);
+        expectComplete();
+        const double kept = FFmpeg::sourceInfo(files.video()).duration;
+        EXPECT_LE(length - kept, 1.0) << (busy ? "busy" : "still") << " after " << length << " s";
+        const auto frames = luma(100, 100);
+        ASSERT_FALSE(frames.empty());
+        if (i % 2 == 1) {
+            EXPECT_GE(static_cast<double>(frames.size()), 10 * kept);
+        }
+        const InputLog log = InputLog::load(files.input());
+        ASSERT_FALSE(log.cursor.empty());
+        EXPECT_LE(length - log.cursor.back().t, 1.0);
+        worst = std::max({worst, length - kept, length - log.cursor.back().t});
+    }
+    RecordProperty("worstLossMilliseconds", std::to_string(worst * 1000));
+}
+
+TEST_F(Recording, AFullDiskEndsItCleanlyAndKeepsIt) {
+    // A disk of 8 MB, in a name space of its own; what was recorded is copied out of it.
+    const auto disk = folder / "disk";
+    const auto kept = folder / "kept";
+    std::filesystem::create_directory(disk);
+    const std::string script = "mount -t tmpfs -o size=8m none " + disk.string() + " || exit 77; " +
+                               program() + " record -o " + (disk / "recording").string() +
+                               " --seconds 60; status=$?; cp -r " + (disk / "recording").string() + " " +
+                               kept.string() + "; exit $status";
+    TestWindow window(*session, "busy", 50, 50, 600, 500, 0x808080);
+    const Busy busy(window);
+    const int status = ChildProcess::run({"unshare", "-rm", "sh", "-c", script}, {{}, output});
+    if (!std::filesystem::exists(kept)) GTEST_SKIP() << "no disk can be mounted here: " << said();
+    EXPECT_EQ(status, 1);
+    EXPECT_THAT(said(), testing::HasSubstr("left on the disk")); // the warning
+    EXPECT_THAT(said(), testing::HasSubstr("recording stopped: the disk is full"));
+    files = RecordingFiles{kept};
+    EXPECT_FALSE(std::filesystem::exists(files.journal()));
+    const double duration = FFmpeg::sourceInfo(files.video()).duration;
+    EXPECT_GT(duration, 1);
+    EXPECT_GE(static_cast<double>(luma(100, 100).size()), 10 * duration);
+    EXPECT_FALSE(InputLog::load(files.input()).cursor.empty());
+    EXPECT_FALSE(loadActivity(files.activity()).empty());
+}
