@@ -8,7 +8,9 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <iostream>
 #include <string>
 #include <vector>
 

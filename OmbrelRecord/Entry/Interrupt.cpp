@@ -28,6 +28,8 @@ Interrupt::~Interrupt() {
         std::signal(signal, SIG_DFL);
 }
 
-const std::atomic<bool>& Interrupt::requested() const { return flag; }
+const std::atomic<bool>& Interrupt::requested() const {
+    return flag;
+}
 
 } // namespace OmbrelRecord

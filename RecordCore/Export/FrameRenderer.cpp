@@ -11,12 +11,15 @@ namespace {
 constexpr std::int64_t framesPerReport = 30;
 }
 
-const PlanarView* CameraSource::at(double sourceTime) {
-    const double time = sourceTime - offset;
+CameraSource::CameraSource(std::unique_ptr<VideoReader> reader, const Plan& plan, double offset) :
+    frames(std::move(reader)),
+    composition(Timeline::composition(plan, Timeline::CameraFootage{frames.info().duration, offset})) {}
+
+const PlanarView* CameraSource::at(double outputSeconds) {
     shownBefore = shown;
     shown = false;
-    if (time < 0 || time >= frames->info().duration) return nullptr;
-    const VideoFrame* frame = frames->at(time);
+    const std::optional<double> time = composition.cameraTime(outputSeconds);
+    const VideoFrame* frame = time ? frames.at(*time) : nullptr;
     shown = frame != nullptr;
     return frame ? &frame->picture : nullptr;
 }
@@ -26,7 +29,7 @@ const Picture& composeFrame(const Scene& scene, Canvas& canvas, FrameCursor& sou
     const double sourceTime = scene.times().sourceTime(seconds);
     const VideoFrame* frame = source.at(sourceTime);
     if (!frame) throw RecordingError("the video has no frames");
-    const PlanarView* cameraPicture = camera ? camera->at(sourceTime) : nullptr;
+    const PlanarView* cameraPicture = camera ? camera->at(seconds) : nullptr;
     SourceHints hints;
     hints.sameSource = source.same();
     hints.sameCamera = cameraPicture && camera->same();

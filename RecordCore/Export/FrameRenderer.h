@@ -1,5 +1,6 @@
 #pragma once
 
+#include "RecordCore/Export/Timeline.h"
 #include "RecordCore/Media/FrameCursor.h"
 #include "RecordCore/Media/VideoEncoder.h"
 #include "RecordCore/Model/RecordingError.h"
@@ -13,17 +14,20 @@
 
 namespace RecordCore {
 
-/// The camera video beside a screen video.
-struct CameraSource {
-    std::unique_ptr<FrameCursor> frames;
-    double offset = 0; ///< camera time = source time − offset
+/// The camera video beside a screen video. One thread at a time.
+class CameraSource {
+public:
+    /// `offset` as in Timeline::CameraFootage.
+    CameraSource(std::unique_ptr<VideoReader> reader, const Plan& plan, double offset);
 
-    /// The camera's picture at a source time; none where the camera has no footage. Valid until the next call.
-    const PlanarView* at(double sourceTime);
+    /// The camera's picture at an output time; none where there is no footage. Valid until the next call.
+    const PlanarView* at(double outputSeconds);
     /// Whether the last `at` returned the same picture as the one before it.
-    bool same() const { return frames->same() && shownBefore; }
+    bool same() const { return frames.same() && shownBefore; }
 
 private:
+    FrameCursor frames;
+    Composition composition;
     bool shown = false;
     bool shownBefore = false;
 };

@@ -93,10 +93,15 @@ void requireReasonableLength(const Plan& plan, double fps) {
     if (!(fps >= 1 && fps <= 240))
         throw RecordingError(fmt::format("{} frames a second is not between 1 and 240", fps));
     const double length = plan.outputDuration();
-    if (!(length > 0)) throw RecordingError("the film would be empty: everything has been cut");
     if (!(length <= longestFilm))
         throw RecordingError(
             fmt::format("the film would be {:.0f} hours long; a day is the most", length / 3600));
+}
+
+void requireFilm(const Plan& plan, double fps) {
+    requireReasonableLength(plan, fps);
+    if (!(plan.outputDuration() > 0))
+        throw RecordingError("the film would be empty: everything has been cut");
 }
 
 } // namespace RecordCore

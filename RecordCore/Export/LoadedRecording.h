@@ -44,7 +44,10 @@ struct LoadedRecording {
 std::vector<ActivitySample> analyzeVideo(const MediaBackend& media, const std::filesystem::path& video,
                                          const std::function<void(double)>& progress = {});
 
-/// Throws RecordingError when a film of this plan at this rate would be empty or absurdly long (over a day).
+/// Throws RecordingError when a film of this plan would be absurdly long (over a day) or the rate is absurd.
 void requireReasonableLength(const Plan& plan, double fps);
+
+/// Likewise, and when there would be no film at all because everything is cut.
+void requireFilm(const Plan& plan, double fps);
 
 } // namespace RecordCore

@@ -146,8 +146,10 @@ Json encode(const ActivitySample& sample) {
 Json parseJson(const std::string& text) {
     try {
         return Json::parse(text);
-    } catch (const nlohmann::json::exception& error) {
-        throw RecordingError(fmt::format("is not valid JSON ({})", error.what()));
+    } catch (const nlohmann::json::parse_error& error) {
+        throw RecordingError(fmt::format("is not valid JSON (at byte {})", error.byte));
+    } catch (const nlohmann::json::exception&) {
+        throw RecordingError("is not valid JSON (a number is too large)");
     }
 }
 

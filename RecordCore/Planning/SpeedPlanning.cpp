@@ -182,6 +182,10 @@ std::vector<SpeedSegment> remove(const std::vector<TimeRange>& ranges, std::vect
     };
     std::size_t first = 0;
     for (const SpeedSegment& segment : segments) {
+        if (segment.isCut()) {
+            add(segment);
+            continue;
+        }
         while (first < ranges.size() && ranges[first].end <= segment.start)
             ++first;
         SpeedSegment rest = segment;

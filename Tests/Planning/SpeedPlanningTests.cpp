@@ -213,6 +213,9 @@ TEST(SpeedBlocks, removeCutsAcrossSegments) {
                                                                                     {6, 8, 6, Reason::idle},
                                                                                     {8, 9, 1, Reason::normal},
                                                                                     {9, 10, 1, Reason::cut}});
+    const std::vector<SpeedSegment> cutAlready{{0, 3, 4, Reason::cut}, {3, 6, 1, Reason::normal}};
+    expectSegments(Planner::remove({{2, 5}}, cutAlready),
+                   {{0, 3, 4, Reason::cut}, {3, 5, 1, Reason::cut}, {5, 6, 1, Reason::normal}});
     expectSegments(Planner::remove({{-1, 20}}, segments),
                    {{0, 4, 1, Reason::cut}, {4, 8, 1, Reason::cut}, {8, 10, 1, Reason::cut}});
 }

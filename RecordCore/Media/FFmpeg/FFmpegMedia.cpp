@@ -2,6 +2,7 @@
 
 #include "RecordCore/Media/FFmpeg/AacEncoder.h"
 #include "RecordCore/Media/FFmpeg/FFmpegSoundReader.h"
+#include "RecordCore/Media/FFmpeg/FFmpegVideoEncoder.h"
 #include "RecordCore/Media/FFmpeg/FFmpegVideoReader.h"
 #include "RecordCore/Media/FFmpeg/FilmWriter.h"
 #include "RecordCore/Media/FFmpeg/InputFile.h"
@@ -25,6 +26,10 @@ std::vector<std::unique_ptr<SoundReader>> openSound(const std::filesystem::path&
     for (const AVStream* stream : input.sounds())
         readers.push_back(std::make_unique<FFmpegSoundReader>(file, stream->index));
     return readers;
+}
+
+std::unique_ptr<VideoEncoder> makeVideoEncoder(const VideoSettings& settings, PacketSink sink) {
+    return std::make_unique<FFmpegVideoEncoder>(settings, std::move(sink));
 }
 
 std::unique_ptr<SoundEncoder> makeSoundEncoder(std::int64_t bitrate, PacketSink sink) {

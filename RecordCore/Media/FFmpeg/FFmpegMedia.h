@@ -21,6 +21,8 @@ std::unique_ptr<VideoReader> openVideo(const std::filesystem::path& file, int th
 std::unique_ptr<PictureDecoder> makePictureDecoder();
 std::vector<std::unique_ptr<SoundReader>> openSound(const std::filesystem::path& file);
 
+/// HEVC in software, HEVC or H.264 in hardware; throws when no such encoder opens here.
+std::unique_ptr<VideoEncoder> makeVideoEncoder(const VideoSettings& settings, PacketSink sink);
 std::unique_ptr<SoundEncoder> makeSoundEncoder(std::int64_t bitrate, PacketSink sink);
 std::unique_ptr<MovieWriter> createMovie(const std::filesystem::path& file, MovieLayout layout);
 bool recoverMovie(const std::filesystem::path& file);

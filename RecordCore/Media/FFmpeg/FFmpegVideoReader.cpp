@@ -66,7 +66,7 @@ std::int64_t FFmpegVideoReader::ticks(double seconds) const {
 }
 
 double FFmpegVideoReader::timeOf(std::int64_t pts) const {
-    return static_cast<double>(pts - origin) * tick;
+    return static_cast<double>(pts - origin) * stream->time_base.num / stream->time_base.den;
 }
 
 bool FFmpegVideoReader::fillQueue(std::size_t count) {

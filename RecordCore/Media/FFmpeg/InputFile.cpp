@@ -34,7 +34,8 @@ constexpr int mostBadPackets = 64;
 constexpr std::size_t packetsForOrigin = 64;
 
 double seconds(std::int64_t ticks, AVRational base) {
-    return static_cast<double>(ticks) * av_q2d(base);
+    // One rounding: a film's length decides how many frames it has.
+    return static_cast<double>(ticks) * base.num / base.den;
 }
 
 /// "00:01:02.500000000", as Matroska writers note a track's end; none when it is something else.
@@ -97,6 +98,23 @@ InputFile::InputFile(std::filesystem::path path) : file(std::move(path)) {
     if (best >= 0 && (context->streams[best]->disposition & AV_DISPOSITION_ATTACHED_PIC) == 0)
         videoStream = context->streams[best];
     if (videoStream) measurePicture();
+    checkWhole();
+}
+
+/// An MP4 whose index speaks of more than the file holds was cut off, by a copy that broke off for example.
+/// (A recording that was cut off has no such index: its fragments are read as far as they go.)
+void InputFile::checkWhole() const {
+    if (std::strcmp(handle->iformat->name, "mov,mp4,m4a,3gp,3g2,mj2") != 0) return;
+    const std::int64_t size = avio_size(handle->pb);
+    for (unsigned i = 0; i < handle->nb_streams; ++i) {
+        AVStream* stream = handle->streams[i];
+        const int entries = avformat_index_get_entries_count(stream);
+        if (entries == 0) continue;
+        const AVIndexEntry* last = avformat_index_get_entry(stream, entries - 1);
+        if (last->pos + last->size > size)
+            fail(file, fmt::format("the file is cut off: it holds {} bytes of at least {}", size,
+                                   last->pos + last->size));
+    }
 }
 
 void InputFile::checkFile() const {

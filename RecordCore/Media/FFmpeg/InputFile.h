@@ -64,6 +64,7 @@ private:
     void checkFile() const;
     void checkSize(double width, double height) const;
     void measurePicture();
+    void checkWhole() const;
     double measureDuration(double& averageRate);
 
     std::filesystem::path file;

@@ -391,8 +391,8 @@ void Encoder::writeRepeats() {
 void Encoder::deliver(std::int64_t pts, std::int64_t dts, bool key) {
     if (settings.realTime || !inOrder) {
         if (!slots.empty()) slots.pop_front();
-        // A writer goes by the steps from packet to packet; only the very last one must know its length. Where
-        // frames are reordered it counts from the frame shown last.
+        // A writer goes by the steps from packet to packet; only the very last one must know its length.
+        // Where frames are reordered it counts from the frame shown last.
         const bool last = finished && x264_encoder_delayed_frames(handle.get()) == 0;
         sink({outgoing, pts, dts, last ? end - lastPts : 0, key});
         return;

@@ -1,0 +1,51 @@
+#include "OmbrelRecord/Entry/Commands.h"
+#include "OmbrelRecord/Entry/Interrupt.h"
+#include "OmbrelRecord/Entry/Loading.h"
+#include "OmbrelRecord/Entry/ProgressBar.h"
+#include "RecordCore/Export/Exporter.h"
+#include "RecordCore/Model/Json.h"
+
+#include <fmt/format.h>
+
+#include <cstdio>
+
+namespace OmbrelRecord::Commands {
+
+using namespace RecordCore;
+
+void run(const Export& options, const MediaBackend& media) {
+    const LoadedRecording recording = loadForCommand(options.folder, options.format, media);
+
+    ExportOptions exportOptions;
+    exportOptions.project = recording.project;
+    exportOptions.log = recording.log;
+    exportOptions.fps = options.fps;
+    exportOptions.scale = options.scale;
+    exportOptions.bitrate = options.bitrate;
+    exportOptions.watermark = options.watermark;
+    exportOptions.camera = recording.camera();
+
+    ExportStats stats;
+    {
+        ProgressBar bar("Exporting");
+        const Interrupt interrupt;
+        Exporter::Hooks hooks;
+        hooks.progress = [&](double share) { bar.update(share); };
+        hooks.cancel = &interrupt.requested();
+        stats = Exporter::run(media, recording.files.video(), recording.plan(), exportOptions, options.output,
+                              hooks);
+    }
+    if (options.json) {
+        const Json object{{"file", options.output.string()},
+                          {"frames", stats.frames},
+                          {"repeated", stats.repeated},
+                          {"outputSeconds", stats.outputSeconds},
+                          {"wallSeconds", stats.wallSeconds}};
+        fmt::print("{}\n", jsonText(object));
+    } else {
+        fmt::print("export: {} frames, {:.1f} s in {:.1f} s\n", stats.frames, stats.outputSeconds,
+                   stats.wallSeconds);
+    }
+}
+
+} // namespace OmbrelRecord::Commands
