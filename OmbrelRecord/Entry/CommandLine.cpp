@@ -1,6 +1,7 @@
 #include "OmbrelRecord/Entry/CommandLine.h"
 
 #include "OmbrelRecord/Entry/Backends.h"
+#include "OmbrelRecord/Entry/CaptionsCommand.h"
 #include "OmbrelRecord/Entry/Commands.h"
 #include "RecordCore/Model/OutputFormat.h"
 #include "RecordCore/Model/RecordingError.h"
@@ -77,6 +78,14 @@ std::optional<int> run(int argc, char** argv) {
     exportVerb.add_flag("--json", film.json, "Print the statistics as JSON");
     addOutput(exportVerb, film.output, "MP4 file to write");
     exportVerb.callback([&] { Commands::run(film, *backend()); });
+
+    Commands::Captions captions;
+    CLI::App& captionsVerb = *app.add_subcommand("captions", "Recognise what is said and caption the film");
+    addFolder(captionsVerb, captions.folder);
+    captionsVerb.add_option("--language", captions.language, "Language spoken, as en-US (yours when not given)");
+    captionsVerb.add_option("--srt", captions.srt, "Also write the film's captions to this SubRip file");
+    captionsVerb.add_option("--vtt", captions.vtt, "Also write the film's captions to this WebVTT file");
+    captionsVerb.callback([&] { Commands::run(captions, *backend()); });
 
     const std::string first = argc > 1 ? argv[1] : "";
     const auto verbs = app.get_subcommands({});

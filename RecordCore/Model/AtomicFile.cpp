@@ -94,4 +94,19 @@ std::string readFile(const std::filesystem::path& file, std::size_t limit) {
     }
 }
 
+std::filesystem::path keepBeside(const std::filesystem::path& file) {
+    std::filesystem::path kept;
+    for (int number = 1; number < 1000; ++number) {
+        const std::string suffix = number == 1 ? "" : fmt::format(" {}", number);
+        kept = file.parent_path() /
+               fmt::format("{} (unreadable{}){}", file.stem().string(), suffix, file.extension().string());
+        if (::link(file.c_str(), kept.c_str()) == 0) return kept;
+        if (errno == EEXIST) continue;
+        std::error_code error; // not every file system has second names
+        if (std::filesystem::copy_file(file, kept, error)) return kept;
+        if (error != std::errc::file_exists) fail(kept, "cannot be written", error.value());
+    }
+    fail(kept, "cannot be written", EEXIST);
+}
+
 } // namespace RecordCore

@@ -17,4 +17,9 @@ void writeFileAtomically(const std::filesystem::path& file, std::string_view byt
 /// takes several times its size.
 std::string readFile(const std::filesystem::path& file, std::size_t limit = std::size_t{1} << 28);
 
+/// Gives a file that cannot be read a second name ("project (unreadable).json", numbered when taken) and
+/// returns it. The first name stays until something new takes its place, so that there is never none.
+/// Throws RecordingError that names the file and the cause.
+std::filesystem::path keepBeside(const std::filesystem::path& file);
+
 } // namespace RecordCore

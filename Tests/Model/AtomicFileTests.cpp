@@ -150,4 +150,16 @@ TEST(AtomicFile, ReadsOnlyPlainFilesOfReasonableSize) {
     EXPECT_NE(failure([&] { readFile(folder / "pipe"); }), "");
 }
 
+TEST(AtomicFile, KeepsWhatCannotBeRead) {
+    const TemporaryFolder folder;
+    writeFileAtomically(folder / "project.json", "first");
+    EXPECT_EQ(keepBeside(folder / "project.json").filename(), "project (unreadable).json");
+    EXPECT_EQ(readFile(folder / "project.json"), "first");
+    writeFileAtomically(folder / "project.json", "second");
+    EXPECT_EQ(keepBeside(folder / "project.json").filename(), "project (unreadable 2).json");
+    EXPECT_EQ(readFile(folder / "project (unreadable).json"), "first");
+    EXPECT_EQ(readFile(folder / "project (unreadable 2).json"), "second");
+    EXPECT_THAT(failure([&] { keepBeside(folder / "none"); }), testing::HasSubstr("No such file"));
+}
+
 } // namespace

@@ -2,9 +2,9 @@
 #include "OmbrelRecord/Transcriber/Transcriber.h"
 #include "RecordCore/Model/RecordingError.h"
 #include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Transcriber/Narration.h"
 #include "Tests/Transcriber/TemporaryPlace.h"
 #include "Tests/Transcriber/TestMedia.h"
-#include "Tests/Transcriber/Voice.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,24 +18,6 @@ using namespace OmbrelRecord;
 using namespace RecordCore;
 
 namespace {
-
-/// A recording in which somebody says something.
-struct Narration {
-    std::vector<float> sound;
-    std::vector<Voice::Word> words; ///< when each is said, in seconds of the recording
-
-    void pause(double seconds) {
-        sound.resize(sound.size() + static_cast<std::size_t>(std::llround(seconds * soundRate)));
-    }
-    void say(const std::string& text, Voice::Speaker speaker, float volume = 0.5F) {
-        const Voice::Speech speech = Voice::say(text, speaker);
-        for (const Voice::Word& word : speech.words)
-            words.push_back({word.text, seconds() + word.start, seconds() + word.end});
-        for (const float sample : speech.samples)
-            sound.push_back(sample * volume);
-    }
-    double seconds() const { return static_cast<double>(sound.size()) / soundRate; }
-};
 
 std::string lowered(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(),
