@@ -83,6 +83,22 @@ void nothingNew(benchmark::State& run) {
         canvas.frame(source.view(), {});
 }
 
+/// The camera bubble gives way while the view moves.
+void shrinkingBubble(benchmark::State& run) {
+    CompositorSettings settings = settingsFor(1920, 1080);
+    settings.camera = CameraStyle{};
+    Canvas canvas(std::make_shared<const Compositor>(settings), 1);
+    const Picture source = SamplePictures::screen(1920, 1080);
+    const Picture face = SamplePictures::screen(1280, 720, 8);
+    const PlanarView view = face.view();
+    FrameState state;
+    int frame = 0;
+    for (auto _ : run) {
+        state.cameraScale = 0.76 + 0.002 * (frame++ % 100);
+        canvas.frame(source.view(), state, &view, {frame > 1, frame > 1});
+    }
+}
+
 void preparing(benchmark::State& run) {
     CompositorSettings settings = settingsFor(1920, 1080);
     settings.scale = static_cast<double>(run.range(0));
@@ -118,6 +134,7 @@ BENCHMARK(movingView)
 BENCHMARK(restingView)->Args({1920, 1080})->Args({3024, 1964})->Unit(benchmark::kMillisecond);
 BENCHMARK(movingPointer)->Args({1920, 1080})->Args({3024, 1964})->Unit(benchmark::kMillisecond);
 BENCHMARK(nothingNew)->Args({1920, 1080})->Args({3024, 1964})->Unit(benchmark::kMillisecond);
+BENCHMARK(shrinkingBubble)->Unit(benchmark::kMillisecond);
 BENCHMARK(preparing)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
 BENCHMARK(toScreen)->Unit(benchmark::kMillisecond);
 BENCHMARK(yardstick)->Unit(benchmark::kMillisecond);

@@ -104,7 +104,7 @@ Compositor::Compositor(CompositorSettings settings) :
     const double scale = place.scale;
     if (!given.cards.title.empty())
         title = Glyphs::textBlock(given.cards.title, given.cards.subtitle, 0.8 * place.window.rect.width,
-                                  64 * scale, Ink::gray(1), 0.9 * place.window.rect.height);
+                                  64 * scale, Ink::gray(1), 0.9 * place.window.rect.height, true);
     if (!given.cards.endTitle.empty())
         end = Glyphs::endCard(given.cards.endTitle, given.cards.endSubtitle, scale, 0.84 * place.width);
     if (given.camera) prepareBubble();
@@ -178,7 +178,7 @@ void Compositor::prepareBubble() {
     if (!bubbleShape) return;
     const double d = bubbleShape->rect.width;
     const double sigma = 0.06 * d;
-    bubbleMargin = static_cast<int>(std::ceil(4 * sigma + 0.04 * d)) + 2;
+    bubbleMargin = static_cast<int>(std::ceil(3 * sigma + 0.04 * d)) + 2;
     const int side = static_cast<int>(d) + 2 * bubbleMargin;
     // In a square of its own, whose middle is the bubble's centre.
     RoundedRect cast = *bubbleShape;
@@ -215,26 +215,36 @@ Compositor::Bubble Compositor::bubbleAt(double cameraScale) const {
     const int side = static_cast<int>(std::ceil(2 * half)) + 1;
     const FloatPlane edge = ring.mask(left, top, side, side);
     Bitmap image(side, side);
-    const double sheetCenter = bubbleShadow.width / 2.0;
-    for (int y = 0; y < image.height; ++y)
-        for (int x = 0; x < image.width; ++x) {
+    const float sheetCenter = static_cast<float>(bubbleShadow.width) / 2;
+    const float per = static_cast<float>(1 / std::max(k, 1e-6));
+    const float offsetX = static_cast<float>(left + 0.5 - centerX);
+    const float offsetY = static_cast<float>(top + 0.5 - centerY);
+    const float white = 255 * static_cast<float>(ringAlpha);
+    const float lastColumn = static_cast<float>(bubbleShadow.width - 1);
+    const float lastRow = static_cast<float>(bubbleShadow.height - 1);
+    for (int y = 0; y < image.height; ++y) {
+        const float v =
+            std::clamp((static_cast<float>(y) + offsetY) * per + sheetCenter - 0.5F, 0.0F, lastRow);
+        const int j = std::min(static_cast<int>(v), bubbleShadow.height - 2);
+        const float t = v - static_cast<float>(j);
+        const float* above = bubbleShadow.row(j);
+        const float* below = bubbleShadow.row(j + 1);
+        const float* ringRow = edge.row(y);
+        std::uint8_t* pixel = image.pixels.data() + static_cast<std::ptrdiff_t>(y) * image.stride();
+        for (int x = 0; x < image.width; ++x, pixel += 4) {
             // The shadow is smooth: two by two samples serve at any size.
-            const double u = (left + x + 0.5 - centerX) / std::max(k, 1e-6) + sheetCenter - 0.5;
-            const double v = (top + y + 0.5 - centerY) / std::max(k, 1e-6) + sheetCenter - 0.5;
-            const int i = std::clamp(static_cast<int>(std::floor(u)), 0, bubbleShadow.width - 2);
-            const int j = std::clamp(static_cast<int>(std::floor(v)), 0, bubbleShadow.height - 2);
-            const double s = std::clamp(u - i, 0.0, 1.0);
-            const double t = std::clamp(v - j, 0.0, 1.0);
-            const float* a = bubbleShadow.row(j) + i;
-            const float* b = bubbleShadow.row(j + 1) + i;
-            const double shadow = (a[0] * (1 - s) + a[1] * s) * (1 - t) + (b[0] * (1 - s) + b[1] * s) * t;
-            const double white = ringAlpha * edge.row(y)[x];
-            const double alpha = white + shadow * (1 - white);
-            std::uint8_t* pixel = image.pixels.data() + static_cast<std::ptrdiff_t>(y) * image.stride() +
-                                  static_cast<std::ptrdiff_t>(x) * 4;
-            pixel[0] = pixel[1] = pixel[2] = static_cast<std::uint8_t>(std::lround(255 * white));
-            pixel[3] = static_cast<std::uint8_t>(std::lround(255 * alpha));
+            const float u =
+                std::clamp((static_cast<float>(x) + offsetX) * per + sheetCenter - 0.5F, 0.0F, lastColumn);
+            const int i = std::min(static_cast<int>(u), bubbleShadow.width - 2);
+            const float s = u - static_cast<float>(i);
+            const float shadow = (above[i] + (above[i + 1] - above[i]) * s) * (1 - t) +
+                                 (below[i] + (below[i + 1] - below[i]) * s) * t;
+            const float light = white * ringRow[x];
+            const float alpha = light + shadow * (255 - light);
+            pixel[0] = pixel[1] = pixel[2] = static_cast<std::uint8_t>(light + 0.5F);
+            pixel[3] = static_cast<std::uint8_t>(std::clamp(alpha, 0.0F, 255.0F) + 0.5F);
         }
+    }
     bubble.under.set(image, left, top);
     return bubble;
 }

@@ -84,10 +84,10 @@ Bitmap sheet(double width, double height, double k, Paint paint) {
 }
 
 /// The dark capsule that pill, clock and watermark share.
-void paintCapsule(cairo_t* cairo, double width, double height, double scale) {
+void paintCapsule(cairo_t* cairo, double width, double height, double scale, double alpha) {
     const double line = std::max(scale, 1.0);
     roundedRectanglePath(cairo, 0, 0, width, height, height / 2);
-    setInk(cairo, {{0.055, 0.06, 0.08}, 0.72});
+    setInk(cairo, {{0.055, 0.06, 0.08}, alpha});
     cairo_fill(cairo);
     roundedRectanglePath(cairo, line / 2, line / 2, width - line, height - line, (height - line) / 2);
     setInk(cairo, Ink::gray(1, 0.14));
@@ -165,7 +165,7 @@ void Glyphs::paintSpotlight(cairo_t* cairo) {
     for (int i = 0; i <= stops; ++i) {
         const double r = static_cast<double>(i) / stops;
         const double falloff = (1 - r * r) * (1 - r * r);
-        cairo_pattern_add_color_stop_rgba(light, r, 1, 0.93, 0.70, 0.55 * falloff);
+        cairo_pattern_add_color_stop_rgba(light, r, 1, 0.96, 0.84, 0.5 * falloff);
     }
     cairo_set_source(cairo, light);
     cairo_rectangle(cairo, 0, 0, rippleSheet, rippleSheet);
@@ -226,9 +226,10 @@ Bitmap Glyphs::captionLine(const std::vector<std::string>& words, int active, st
             const Ink black = Ink::gray(0);
             text.draw(cairo, x, padY + 0.04 * size, &black);
         }
-        // A shadow's blur radius is twice the standard deviation.
+        // The radius is where a shadow ends, three standard deviations out: close enough to carry white
+        // letters over a white page.
         const double radius = size * (bold ? 0.30 : 0.22);
-        draw(image, blurredShadow(shape, radius / 2, Ink::gray(0, bold ? 0.95 : 0.8)), 0, 0);
+        draw(image, blurredShadow(shape, radius / 3, Ink::gray(0, bold ? 0.95 : 0.8)), 0, 0);
     }
     const CairoSurface cairo(image);
     text.draw(cairo, x, padY);
@@ -259,7 +260,7 @@ Bitmap Glyphs::pill(std::int64_t speed, std::string_view label, double scale) {
 
     Bitmap image(pixels(width), pixels(height));
     const CairoSurface cairo(image);
-    paintCapsule(cairo, image.width, image.height, scale);
+    paintCapsule(cairo, image.width, image.height, scale, 0.84);
     const double middle = image.height / 2.0;
     setInk(cairo, {speedColor});
     cairo_set_line_join(cairo, CAIRO_LINE_JOIN_ROUND);
@@ -294,13 +295,13 @@ Bitmap Glyphs::clockBadge(std::string_view text, double scale) {
     const double margin = 20 * scale;
     Bitmap image(pixels(time.width() + 2 * margin), pixels(48 * scale));
     const CairoSurface cairo(image);
-    paintCapsule(cairo, image.width, image.height, scale);
+    paintCapsule(cairo, image.width, image.height, scale, 0.84);
     time.draw(cairo, (image.width - time.width()) / 2, centeredCapitals(time, size, image.height));
     return image;
 }
 
 Bitmap Glyphs::textBlock(std::string_view title, std::string_view subtitle, double width, double titleSize,
-                         const Ink& ink, double maxHeight) {
+                         const Ink& ink, double maxHeight, bool shadow) {
     width = std::clamp(std::isfinite(width) ? width : 1.0, 1.0, longestSide);
     double size = std::clamp(std::isfinite(titleSize) ? titleSize : 16.0, 1.0, 4096.0);
     for (int attempt = 0;; ++attempt) {
@@ -318,7 +319,8 @@ Bitmap Glyphs::textBlock(std::string_view title, std::string_view subtitle, doub
         lineStyle.centered = true;
         lineStyle.width = width;
         lineStyle.mostLines = 3;
-        const TextLayout line({{std::string(subtitle), {ink.color, ink.alpha * 0.74}}}, lineStyle);
+        const TextLayout line({{std::string(subtitle), {ink.color, ink.alpha * (shadow ? 0.88 : 0.74)}}},
+                              lineStyle);
 
         const double gap = subtitle.empty() ? 0 : size * 0.14;
         const double height = heading.height() + (subtitle.empty() ? 0 : gap + line.height());
@@ -326,10 +328,22 @@ Bitmap Glyphs::textBlock(std::string_view title, std::string_view subtitle, doub
             size *= std::max(0.85, std::sqrt(maxHeight / height));
             continue;
         }
-        Bitmap image(pixels(width), pixels(height));
-        const CairoSurface cairo(image);
-        heading.draw(cairo, 0, 0);
-        if (!subtitle.empty()) line.draw(cairo, 0, heading.height() + gap);
+        // Room for the shadow on all sides.
+        const double reach = shadow ? size * 0.5 : 0;
+        Bitmap image(pixels(width + 2 * reach), pixels(height + 2 * reach));
+        const auto draw = [&](cairo_t* cairo, const Ink* shape) {
+            heading.draw(cairo, reach, reach, shape);
+            if (!subtitle.empty()) line.draw(cairo, reach, reach + heading.height() + gap, shape);
+        };
+        if (shadow) {
+            // Over a busy picture the letters need a ground: a wide dim one and a narrow one.
+            Bitmap shape(image.width, image.height);
+            const Ink black = Ink::gray(0);
+            draw(CairoSurface(shape), &black);
+            RecordCore::draw(image, blurredShadow(shape, size * 0.20, Ink::gray(0, 0.75)), 0, 0);
+            RecordCore::draw(image, blurredShadow(shape, size * 0.05, Ink::gray(0, 0.45)), 0, 0);
+        }
+        draw(CairoSurface(image), nullptr);
         return image;
     }
 }
@@ -343,13 +357,13 @@ Bitmap Glyphs::watermarkBadge(double scale) {
     TextStyle style;
     style.size = size;
     style.weight = 600;
-    const TextLayout name({{"Ombrel Record", Ink::gray(1, 0.92)}}, style);
+    const TextLayout name({{"Ombrel Record", Ink::gray(1, 0.9)}}, style);
     const double height = 34 * scale;
     const double margin = 14 * scale;
     const double dot = 4.5 * scale;
     Bitmap image(pixels(name.width() + 2 * margin + 2 * dot + 8 * scale), pixels(height));
     const CairoSurface cairo(image);
-    paintCapsule(cairo, image.width, image.height, scale);
+    paintCapsule(cairo, image.width, image.height, scale, 0.5);
     circle(cairo, margin + dot, image.height / 2.0, dot);
     setInk(cairo, {{1, 0x4D / 255.0, 0x4F / 255.0}});
     cairo_fill(cairo);

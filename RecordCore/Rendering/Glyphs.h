@@ -48,9 +48,9 @@ Bitmap pill(std::int64_t speed, std::string_view label, double scale);
 Bitmap clockBadge(std::string_view text, double scale);
 
 /// A title with an optional subtitle, centred, wrapped at `width`; made smaller until it fits `maxHeight`
-/// when that is given.
+/// when that is given. With a shadow, to stand on a picture, it is larger by the shadow's reach all round.
 Bitmap textBlock(std::string_view title, std::string_view subtitle, double width, double titleSize,
-                 const Ink& ink, double maxHeight = 0);
+                 const Ink& ink, double maxHeight = 0, bool shadow = false);
 
 Bitmap endCard(std::string_view title, std::string_view subtitle, double scale, double maxWidth);
 Bitmap watermarkBadge(double scale);

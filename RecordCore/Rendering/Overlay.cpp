@@ -44,6 +44,7 @@ void Overlay::set(const Bitmap& bitmap, int x, int y, double shift, const Tint& 
 
     // Two rows at a time in floating point: R, G, B, A premultiplied, with one column before and one after.
     const std::size_t line = static_cast<std::size_t>(w) + 2;
+    thread_local std::vector<float> scratch; // kept from drawing to drawing, but not by the overlays
     scratch.resize(2 * 4 * line);
     const float down = static_cast<float>(shift);
     constexpr float toVideo = 219.0F / 255;

@@ -72,7 +72,6 @@ private:
     PixelRect area;
     std::vector<std::uint8_t> samples;
     std::array<std::size_t, 5> offsets{}; ///< of Y' and alpha; of Cb, Cr and alpha at half size
-    std::vector<float> scratch;
 };
 
 /// Alpha for the two kinds of planes, from an alpha in 0…1 whose sample (0, 0) is the canvas pixel (left,
