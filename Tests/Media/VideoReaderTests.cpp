@@ -372,12 +372,11 @@ TEST(BadVideos, GiveThePicturesTheyHave) {
         holes[i] = static_cast<char>(i * 37);
     write(folder / "holes.mp4", holes);
     testing::internal::CaptureStderr();
-    for (const auto& [name, fewest, most] :
-         {std::tuple{"cut.mp4", 20U, 45U}, std::tuple{"holes.mp4", 40U, 59U}}) {
-        const auto times = restOfTimes(*FFmpeg::openVideo(folder / name, 2));
-        EXPECT_GE(times.size(), fewest) << name;
-        EXPECT_LE(times.size(), most) << name;
-    }
+    // Damage costs the frames it hits; a file that lacks what its index speaks of is refused.
+    const auto times = restOfTimes(*FFmpeg::openVideo(folder / "holes.mp4", 2));
+    EXPECT_GE(times.size(), 40U);
+    EXPECT_LE(times.size(), 59U);
+    EXPECT_THAT(messageOf([&] { FFmpeg::openVideo(folder / "cut.mp4", 2); }), testing::HasSubstr("cut off"));
     // All pictures gone: an error, not an empty film.
     std::string none = good;
     std::fill(none.begin() + static_cast<std::ptrdiff_t>(good.find("mdat")) + 4, none.end(), '\0');

@@ -109,7 +109,7 @@ void InputFile::checkWhole() const {
     for (unsigned i = 0; i < handle->nb_streams; ++i) {
         AVStream* stream = handle->streams[i];
         const int entries = avformat_index_get_entries_count(stream);
-        if (entries == 0) continue;
+        if (entries == 0 || stream->nb_frames == 0) continue; // fragments
         const AVIndexEntry* last = avformat_index_get_entry(stream, entries - 1);
         if (last->pos + last->size > size)
             fail(file, fmt::format("the file is cut off: it holds {} bytes of at least {}", size,
