@@ -70,8 +70,10 @@ public:
     Movie(const std::filesystem::path& file, MovieLayout layout, const VideoSettings& wanted,
           bool withSound) :
         writer(FFmpeg::createMovie(file, layout)),
-        video(
-            X264::makeEncoder(wanted, [this](const Packet& packet) { writer->write(videoTrack, packet); })) {
+        video(makeEncoder(wanted, [this](const Packet& packet) {
+            ++packets;
+            writer->write(videoTrack, packet);
+        })) {
         videoTrack = writer->addTrack(video->description());
         if (withSound) {
             sound = FFmpeg::makeSoundEncoder(
@@ -86,6 +88,13 @@ public:
     std::unique_ptr<SoundEncoder> sound;
     int videoTrack = 0;
     int soundTrack = 0;
+    int packets = 0;
+
+private:
+    static std::unique_ptr<VideoEncoder> makeEncoder(const VideoSettings& wanted, PacketSink sink) {
+        if (wanted.codec == Codec::h264) return X264::makeEncoder(wanted, std::move(sink));
+        return FFmpeg::makeVideoEncoder(wanted, std::move(sink));
+    }
 };
 
 std::string messageOf(const std::function<void()>& action) {
@@ -448,7 +457,8 @@ TEST_P(Stills, RepeatsEqualTheFrameBeforeAndChangeNoOther) {
     EXPECT_EQ(own, without);
 
     // A strict decoder finds nothing to complain about, and sees as many frames, with keys often enough.
-    ffmpeg("-err_detect explode -xerror -i " + file.string() + " -f null -");
+    ffmpeg("-err_detect explode -xerror -i " + file.string() +
+           " -fps_mode passthrough -enc_time_base 1:1000000 -f null -");
     const std::string keys =
         ffprobe("-select_streams v -skip_frame nokey -show_entries frame=pts_time " + file.string());
     EXPECT_GE(std::count(keys.begin(), keys.end(), '\n'), 4);
@@ -508,11 +518,88 @@ TEST(X264Encoder, PlainPathKeepsEveryFrame) {
     for (std::size_t i = 20; i < 50; ++i)
         repeats[i] = true;
     EXPECT_EQ(encodeAndDecode(folder / "film.mp4", wanted, repeats, false, false).size(), 90U);
-    ffmpeg("-err_detect explode -xerror -i " + (folder / "film.mp4").string() + " -f null -");
+    ffmpeg("-err_detect explode -xerror -i " + (folder / "film.mp4").string() +
+           " -fps_mode passthrough -enc_time_base 1:1000000 -f null -");
     EXPECT_EQ(ffprobe("-select_streams v -show_entries stream=profile,color_range,color_space,color_transfer,"
                       "color_primaries " +
                       (folder / "film.mp4").string()),
               "High,tv,bt709,bt709,bt709\n");
+}
+
+// --- Encoders for recording -----------------------------------------------------------------------------
+
+TEST(RealTimeEncoders, DeliverEveryFrameAtOnceAndKeysByTime) {
+    const TemporaryFolder folder;
+    for (const Codec codec : {Codec::h264, Codec::hevc}) {
+        const auto file = folder / (codec == Codec::h264 ? "h264.mp4" : "hevc.mp4");
+        VideoSettings wanted = settings(true);
+        wanted.codec = codec;
+        Movie movie(file, MovieLayout::recording, wanted, false);
+        // A screen that moves in bursts: variable times, some frames seconds apart.
+        Drawing drawing;
+        std::vector<double> times;
+        double time = 0;
+        for (int i = 0; i < 60; ++i) {
+            times.push_back(time);
+            movie.video->encode(drawing.frame(i), std::llround(time * 1e6), {});
+            EXPECT_EQ(movie.packets, i + 1) << movie.video->name();
+            time += i % 20 == 19 ? 2.7 : 1 / 60.0 + (i % 3) * 0.004;
+        }
+        movie.video->finish(std::llround(time * 1e6));
+        movie.writer->setEnd(movie.videoTrack, std::llround(time * 1e6));
+        movie.writer->finish();
+
+        const auto reader = FFmpeg::openVideo(file, 2);
+        EXPECT_NEAR(reader->info().duration, time, 1e-4);
+        const auto seen = restOfTimes(*reader);
+        ASSERT_EQ(seen.size(), times.size());
+        for (std::size_t i = 0; i < times.size(); ++i)
+            EXPECT_NEAR(seen[i], times[i], 2e-6);
+        const std::string keys =
+            ffprobe("-select_streams v -skip_frame nokey -show_entries frame=pts_time " + file.string());
+        EXPECT_EQ(std::count(keys.begin(), keys.end(), '\n'), 3) << keys;
+        ffmpeg("-err_detect explode -xerror -i " + file.string() +
+               " -fps_mode passthrough -enc_time_base 1:1000000 -f null -");
+        EXPECT_EQ(
+            ffprobe(
+                "-select_streams v -show_entries stream=codec_name,codec_tag_string,has_b_frames,color_range,"
+                "color_space " +
+                file.string()),
+            codec == Codec::h264 ? "h264,avc1,0,tv,bt709\n" : "hevc,hvc1,0,tv,bt709\n");
+    }
+}
+
+TEST(HevcFilm, KeepsEveryFrame) {
+    const TemporaryFolder folder;
+    VideoSettings wanted = settings(false);
+    wanted.codec = Codec::hevc;
+    std::vector<bool> repeats(70, false);
+    for (std::size_t i = 20; i < 40; ++i)
+        repeats[i] = true;
+    EXPECT_EQ(encodeAndDecode(folder / "film.mp4", wanted, repeats, false, false).size(), 70U);
+    EXPECT_NEAR(FFmpeg::sourceInfo(folder / "film.mp4").duration, 70 / 60.0, 1e-4);
+    ffmpeg("-err_detect explode -xerror -i " + (folder / "film.mp4").string() +
+           " -fps_mode passthrough -enc_time_base 1:1000000 -f null -");
+}
+
+TEST(HardwareEncoders, WorkOrSayThatThereIsNone) {
+    VideoSettings wanted = settings(true);
+    wanted.hardware = true;
+    for (const Codec codec : {Codec::hevc, Codec::h264}) {
+        wanted.codec = codec;
+        int packets = 0;
+        std::unique_ptr<VideoEncoder> encoder;
+        const std::string message =
+            messageOf([&] { encoder = FFmpeg::makeVideoEncoder(wanted, [&](const Packet&) { ++packets; }); });
+        if (!encoder) {
+            EXPECT_THAT(message, testing::HasSubstr("no hardware encoder"));
+            continue;
+        }
+        Drawing drawing;
+        encoder->encode(drawing.frame(0), 0, {});
+        encoder->finish(100);
+        EXPECT_EQ(packets, 1);
+    }
 }
 
 } // namespace

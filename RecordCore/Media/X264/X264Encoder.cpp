@@ -140,10 +140,6 @@ void Encoder::open() {
     parameters.vui.i_sar_height = 1;
 
     const bool wantsStills = settings.realTime || settings.freeStills;
-    if (settings.realTime) {
-        // A long quiet stretch followed by a change must not blow one frame up beyond all measure.
-        parameters.rc.i_qp_min = 10;
-    }
     if (wantsStills) {
         parameters.i_keyint_max = X264_KEYINT_MAX_INFINITE; // asked for frame by frame
         parameters.i_bframe = 0;
