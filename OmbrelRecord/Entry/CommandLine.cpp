@@ -2,7 +2,11 @@
 
 #include "OmbrelRecord/Entry/Backends.h"
 #include "OmbrelRecord/Entry/CaptionsCommand.h"
+#include "OmbrelRecord/Entry/CaptureServices.h"
 #include "OmbrelRecord/Entry/Commands.h"
+#include "OmbrelRecord/Entry/Interrupt.h"
+#include "OmbrelRecord/Entry/RecordCommand.h"
+#include "OmbrelRecord/Entry/SourcesCommand.h"
 #include "RecordCore/Model/OutputFormat.h"
 #include "RecordCore/Model/RecordingError.h"
 
@@ -47,6 +51,32 @@ std::optional<int> run(int argc, char** argv) {
     app.require_subcommand(1);
     const auto backend = [] { return makeMediaBackend(); };
 
+    Commands::Record record;
+    CLI::App& recordVerb = *app.add_subcommand("record", "Record the screen until Ctrl-C");
+    addOutput(recordVerb, record.folder, "Folder to record into");
+    CLI::Option& display =
+        *recordVerb.add_option("--display", record.display, "Display, as sources names it");
+    recordVerb.add_option("--window", record.window, "Window, as sources names it")->excludes(&display);
+    recordVerb.add_option("--seconds", record.seconds, "Stop by itself after so many seconds")
+        ->check(CLI::PositiveNumber);
+    recordVerb.add_option("--fps", record.fps, "Most frames per second")->check(CLI::Range(1, 240));
+    recordVerb.add_flag("--system-sound", record.systemSound, "Record the computer's sound");
+    CLI::Option& microphone = *recordVerb
+                                   .add_option("--microphone", record.microphoneID,
+                                               "Record a microphone, the default one without ID")
+                                   ->expected(0, 1)
+                                   ->option_text("[ID]");
+    recordVerb.add_flag("--camera", record.camera, "Record the camera");
+    recordVerb.callback([&] {
+        record.microphone = microphone.count() > 0;
+        const Interrupt interrupt;
+        Commands::run(record, *backend(), makeCaptureServices(), interrupt.requested());
+    });
+
+    CLI::App& sourcesVerb =
+        *app.add_subcommand("sources", "Print displays, windows, microphones and cameras as JSON");
+    sourcesVerb.callback([] { Commands::runSources(makeCaptureServices()); });
+
     Commands::Analyze analyze;
     CLI::App& analyzeVerb = *app.add_subcommand("analyze", "Write activity.json from recording.mp4");
     addFolder(analyzeVerb, analyze.folder);
@@ -82,7 +112,8 @@ std::optional<int> run(int argc, char** argv) {
     Commands::Captions captions;
     CLI::App& captionsVerb = *app.add_subcommand("captions", "Recognise what is said and caption the film");
     addFolder(captionsVerb, captions.folder);
-    captionsVerb.add_option("--language", captions.language, "Language spoken, as en-US (yours when not given)");
+    captionsVerb.add_option("--language", captions.language,
+                            "Language spoken, as en-US (yours when not given)");
     captionsVerb.add_option("--srt", captions.srt, "Also write the film's captions to this SubRip file");
     captionsVerb.add_option("--vtt", captions.vtt, "Also write the film's captions to this WebVTT file");
     captionsVerb.callback([&] { Commands::run(captions, *backend()); });
