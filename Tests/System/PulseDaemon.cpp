@@ -1,5 +1,6 @@
 #include "Tests/System/PulseDaemon.h"
 
+#include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <stdexcept>
@@ -42,6 +43,10 @@ void PulseDaemon::start() {
 bool PulseDaemon::control(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), {"pactl", "-s", server});
     return ChildProcess::run(std::move(arguments), {{{"HOME", own.path().string()}}, own / "pactl.log"}) == 0;
+}
+
+void PulseDaemon::freeze(bool frozen) {
+    ::kill(process->id(), frozen ? SIGSTOP : SIGCONT);
 }
 
 void PulseDaemon::plugMicrophone(const std::string& name) {

@@ -19,6 +19,8 @@ public:
 
     void start();
     void stop() { process.reset(); }
+    /// Stops it where it stands, as an overloaded or broken service would be, or lets it go on.
+    void freeze(bool frozen);
     /// `pactl` with these arguments; whether it went well.
     bool control(std::vector<std::string> arguments);
     std::filesystem::path folder() const { return own.path(); }

@@ -342,6 +342,26 @@ TEST_F(Sound, SurvivesARestartOfTheService) {
     EXPECT_GT(system.decibels(440, back + 1, back + 1.9), -8);
 }
 
+TEST_F(Sound, IsStoppedAtOnceWhenTheServiceHangs) {
+    Recording system(sound.openSystemSound());
+    system.runUntil(1);
+    daemon->freeze(true);
+    system.runUntil(4);
+    const double before = monotonicSeconds();
+    system.finish();
+    const double after = monotonicSeconds();
+    std::string message;
+    try {
+        sound.openSystemSound()->start({});
+    } catch (const RecordingError& error) {
+        message = error.what();
+    }
+    daemon->freeze(false);
+    EXPECT_LT(after - before, 1.0); // what was promised, far above what it takes
+    EXPECT_NEAR(system.length(), system.end - system.origin, 1e-4); // silence took its place
+    EXPECT_EQ(message, "the sound service does not answer");
+}
+
 TEST_F(Sound, ListsMicrophonesAndMetersThem) {
     EXPECT_TRUE(sound.microphones().empty()); // the outputs' monitors are none
     EXPECT_EQ(sound.defaultMicrophone(), "");

@@ -63,7 +63,11 @@ public:
 
     void stop() override {
         if (!loop) return;
-        loop->stop();
+        {
+            const PipeWireLoop::Lock lock(*loop);
+            ended = true;
+            loop->onBreak = nullptr;
+        }
         consumer.reset();
         loop.reset();
     }

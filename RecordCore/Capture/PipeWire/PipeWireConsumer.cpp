@@ -25,7 +25,13 @@ PipeWireConsumer& self(void* user) {
 } // namespace
 
 PipeWireConsumer::~PipeWireConsumer() {
-    if (stream) spa_hook_remove(&listener);
+    const PipeWireLoop::Lock lock(loop);
+    handlers = {};
+    if (!stream) return;
+    pw_stream_disconnect(stream.get());
+    loop.flush(); // calls that were on their way still find the stream
+    spa_hook_remove(&listener);
+    stream.reset();
 }
 
 PipeWireConsumer::Outcome PipeWireConsumer::connect(const Setup& setup, Handlers receivers, double seconds) {
@@ -79,7 +85,7 @@ void PipeWireConsumer::stateChanged(pw_stream_state state, const char* error) {
 
 void PipeWireConsumer::formatChanged(const spa_pod* format) {
     if (!format) return;
-    if (!handlers.onFormat(*format)) {
+    if (handlers.onFormat && !handlers.onFormat(*format)) {
         if (!outcome) outcome = Outcome::noFormat;
         loop.signal();
         return;
@@ -108,7 +114,7 @@ void PipeWireConsumer::process() {
         newest = next;
     }
     if (!newest) return;
-    hand(*newest);
+    if (handlers.onPicture) hand(*newest);
     pw_stream_queue_buffer(stream.get(), newest);
 }
 
@@ -132,7 +138,7 @@ void PipeWireConsumer::hand(const pw_buffer& held) {
         const double stamp = static_cast<double>(header->pts) * 1e-9;
         if (header->pts > 0 && stamp > now - oldest && stamp < now + farthestAhead) picture.time = stamp;
     }
-    if (handlers.onPicture) handlers.onPicture(picture);
+    handlers.onPicture(picture);
 }
 
 } // namespace RecordCore

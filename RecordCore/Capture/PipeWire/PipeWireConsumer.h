@@ -48,7 +48,9 @@ public:
 
     /// The loop must outlive it.
     explicit PipeWireConsumer(PipeWireLoop& loop) : loop(loop) {}
-    /// With the loop stopped, or under its lock.
+    /// While the loop runs, without its lock. No callback runs after it: the flow is ended first, by the
+    /// thread that carries it. (Once its main loop has stopped, PipeWire calls from its real-time thread
+    /// instead.)
     ~PipeWireConsumer();
     PipeWireConsumer(const PipeWireConsumer&) = delete;
     PipeWireConsumer& operator=(const PipeWireConsumer&) = delete;

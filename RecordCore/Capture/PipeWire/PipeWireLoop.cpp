@@ -74,6 +74,11 @@ bool PipeWireLoop::wait(double seconds, const std::function<bool()>& done) {
     return true;
 }
 
+void PipeWireLoop::flush() {
+    const auto nothing = [](spa_loop*, bool, std::uint32_t, const void*, std::size_t, void*) { return 0; };
+    pw_loop_invoke(pw_thread_loop_get_loop(loop), nothing, SPA_ID_INVALID, nullptr, 0, true, nullptr);
+}
+
 void PipeWireLoop::roundTrip(double seconds) {
     const int wanted = pw_core_sync(connection, PW_ID_CORE, 0);
     if (!wait(seconds, [&] { return broken || answered == wanted; }))

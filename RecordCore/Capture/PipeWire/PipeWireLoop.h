@@ -42,6 +42,10 @@ public:
     /// With the lock held: waits until everything asked so far is answered. Throws RecordingError.
     void roundTrip(double seconds = 2);
 
+    /// With the lock held (once), which is let go meanwhile: waits until everything handed to the loop's
+    /// thread so far has run.
+    void flush();
+
     class Lock {
     public:
         explicit Lock(PipeWireLoop& owner) : loop(owner.loop) { pw_thread_loop_lock(loop); }
