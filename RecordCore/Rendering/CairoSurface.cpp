@@ -38,7 +38,7 @@ void setInk(cairo_t* cairo, const Ink& ink) {
     cairo_set_source_rgba(cairo, ink.color.r, ink.color.g, ink.color.b, ink.alpha);
 }
 
-Bitmap blurredShadow(const Bitmap& shape, double sigma, const Ink& ink) {
+Bitmap blurredShadow(const Bitmap& shape, double sigma, const Ink& ink, double density) {
     FloatPlane alpha(shape.width, shape.height);
     for (int y = 0; y < shape.height; ++y)
         for (int x = 0; x < shape.width; ++x)
@@ -47,7 +47,7 @@ Bitmap blurredShadow(const Bitmap& shape, double sigma, const Ink& ink) {
     Bitmap shadow(shape.width, shape.height);
     for (int y = 0; y < shape.height; ++y)
         for (int x = 0; x < shape.width; ++x) {
-            const double a = std::clamp(alpha.row(y)[x] * ink.alpha, 0.0, 255.0);
+            const double a = std::clamp(alpha.row(y)[x] * density, 0.0, 255.0) * ink.alpha;
             std::uint8_t* pixel = shadow.pixels.data() + (shadow.at(x, y) - shadow.pixels.data());
             pixel[0] = static_cast<std::uint8_t>(std::lround(a * ink.color.b));
             pixel[1] = static_cast<std::uint8_t>(std::lround(a * ink.color.g));

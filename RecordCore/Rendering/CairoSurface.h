@@ -36,8 +36,9 @@ struct Ink {
 };
 void setInk(cairo_t* cairo, const Ink& ink);
 
-/// Blurs the bitmap's alpha and returns it as a drawing of that colour, of the same size.
-Bitmap blurredShadow(const Bitmap& shape, double sigma, const Ink& ink);
+/// Blurs the bitmap's alpha and returns it as a drawing of that colour, of the same size. A `density` above 1
+/// makes the shadow of thin shapes fuller, up to the ink's alpha.
+Bitmap blurredShadow(const Bitmap& shape, double sigma, const Ink& ink, double density = 1);
 
 /// Lays `top` over `bottom` with its upper left corner at (x, y).
 void draw(Bitmap& bottom, const Bitmap& top, int x, int y);

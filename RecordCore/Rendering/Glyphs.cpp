@@ -226,10 +226,10 @@ Bitmap Glyphs::captionLine(const std::vector<std::string>& words, int active, st
             const Ink black = Ink::gray(0);
             text.draw(cairo, x, padY + 0.04 * size, &black);
         }
-        // The radius is where a shadow ends, three standard deviations out: close enough to carry white
-        // letters over a white page.
+        // The radius is about where a shadow ends. Strokes are thinner than it, so it is made full beneath
+        // them: white letters have to carry over a white page.
         const double radius = size * (bold ? 0.30 : 0.22);
-        draw(image, blurredShadow(shape, radius / 3, Ink::gray(0, bold ? 0.95 : 0.8)), 0, 0);
+        draw(image, blurredShadow(shape, radius / 2.5, Ink::gray(0, bold ? 0.95 : 0.8), 2.4), 0, 0);
     }
     const CairoSurface cairo(image);
     text.draw(cairo, x, padY);
