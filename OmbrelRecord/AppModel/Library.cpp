@@ -1,6 +1,7 @@
 #include "OmbrelRecord/AppModel/Library.h"
 
 #include "RecordCore/Model/RecordingError.h"
+#include "RecordCore/Model/RecordingFiles.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -22,9 +23,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using Clock = std::chrono::system_clock;
-
-/// A recording that is being made is written to every second; one that has been left alone for longer is not.
-constexpr std::chrono::seconds leftAlone{10};
 
 Clock::time_point birthTime(const fs::path& file) {
     struct statx facts {};
@@ -93,10 +91,7 @@ std::vector<Recording> Library::recordings() const {
 std::vector<Recording> Library::unfinished() const {
     std::vector<Recording> found = recordings();
     std::erase_if(found, [](const Recording& recording) {
-        if (recording.log() || present(recording.folder / "activity.json")) return true;
-        std::error_code error;
-        const auto written = fs::last_write_time(recording.video(), error);
-        return error || fs::file_time_type::clock::now() - written < leftAlone;
+        return !present(RecordCore::RecordingFiles{recording.folder}.journal());
     });
     return found;
 }

@@ -33,8 +33,8 @@ public:
     /// the latest first.
     std::vector<Recording> recordings() const;
 
-    /// The recordings that were begun and never finished: they have a video and neither input nor activity
-    /// beside it, and nothing has been written to them for some seconds.
+    /// The recordings that were begun and never finished, which their journal tells: cut off by a crash, or
+    /// still running (`recoverRecording` refuses those).
     std::vector<Recording> unfinished() const;
 
 private:

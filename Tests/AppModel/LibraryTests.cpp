@@ -1,5 +1,6 @@
 #include "OmbrelRecord/AppModel/Library.h"
 #include "RecordCore/Model/RecordingError.h"
+#include "RecordCore/Model/RecordingFiles.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <sys/stat.h>
@@ -73,14 +74,12 @@ TEST(Library, ListsFoldersWithAVideoNewestFirst) {
     EXPECT_EQ(found[0].log(), found[0].folder / "input.json");
 }
 
-TEST(Library, UnfinishedRecordingsAreThoseLeftAloneWithoutSideFiles) {
+TEST(Library, UnfinishedRecordingsAreThoseWithAJournal) {
     const TemporaryFolder folder;
-    for (const char* name : {"whole", "analysed", "cut off", "running"})
+    for (const char* name : {"whole", "cut off"})
         touch(folder.path() / name / "recording.mp4");
-    touch(folder / "whole/input.json");
-    touch(folder / "analysed/activity.json");
-    for (const char* name : {"whole", "analysed", "cut off"})
-        fs::last_write_time(folder.path() / name / "recording.mp4", fs::file_time_type::clock::now() - 60s);
+    touch(RecordCore::RecordingFiles{folder / "cut off"}.journal());
+    touch(RecordCore::RecordingFiles{folder / "nothing came"}.journal());
     EXPECT_THAT(names(Library(folder.path()).unfinished()), testing::ElementsAre("cut off"));
 }
 

@@ -1,0 +1,252 @@
+#pragma once
+
+#include "OmbrelRecord/AppModel/SerialQueue.h"
+#include "OmbrelRecord/EditorModel/EditHistory.h"
+#include "OmbrelRecord/EditorModel/EditorParts.h"
+#include "OmbrelRecord/EditorModel/OpenedRecording.h"
+#include "OmbrelRecord/EditorModel/ProjectStore.h"
+#include "RecordCore/Model/Project.h"
+#include "RecordCore/Planning/Plan.h"
+
+#include <QtCore/QObject>
+#include <QtCore/QString>
+#include <QtCore/QTimer>
+#include <QtCore/QVariant>
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace OmbrelRecord {
+
+/// One recording open in the editor: its project, the plan made of it, the playhead and the selection. Every
+/// change goes through `update`, which remembers it for undo, plans the film anew and saves. Main thread.
+class EditorModel : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString name READ name CONSTANT)
+    Q_PROPERTY(double duration READ duration CONSTANT)
+    Q_PROPERTY(QVariantMap project READ projectFields NOTIFY projectChanged)
+    Q_PROPERTY(bool canUndo READ canUndo NOTIFY projectChanged)
+    Q_PROPERTY(bool canRedo READ canRedo NOTIFY projectChanged)
+    Q_PROPERTY(double outputDuration READ outputDuration NOTIFY planChanged)
+    Q_PROPERTY(int skippedCount READ skippedCount NOTIFY planChanged)
+    Q_PROPERTY(QVariantList segments READ segmentList NOTIFY planChanged)
+    Q_PROPERTY(QVariantList speedBlocks READ speedBlockList NOTIFY planChanged)
+    Q_PROPERTY(QVariantList zoomBlocks READ zoomBlockList NOTIFY planChanged)
+    Q_PROPERTY(QVariantList pieces READ pieceList NOTIFY planChanged)
+    Q_PROPERTY(QVariantList interiorCuts READ interiorCutList NOTIFY planChanged)
+    Q_PROPERTY(QVariantList captions READ captionList NOTIFY projectChanged)
+    Q_PROPERTY(bool rendering READ rendering NOTIFY renderingChanged)
+    Q_PROPERTY(double playhead READ playhead WRITE seek NOTIFY playheadChanged)
+    Q_PROPERTY(double sourceTime READ sourceTime NOTIFY playheadChanged)
+    Q_PROPERTY(bool playing READ playing NOTIFY playingChanged)
+    Q_PROPERTY(QVariantMap selection READ selectionMap NOTIFY selectionChanged)
+    Q_PROPERTY(ExportState exportState READ exportState NOTIFY exportChanged)
+    Q_PROPERTY(double exportProgress READ exportProgress NOTIFY exportChanged)
+    Q_PROPERTY(QString exportFailure READ exportFailure NOTIFY exportChanged)
+    Q_PROPERTY(QString exportedFile READ exportedFileName NOTIFY exportChanged)
+    Q_PROPERTY(bool captioning READ captioning NOTIFY captioningChanged)
+    Q_PROPERTY(double captioningProgress READ captioningProgress NOTIFY captioningChanged)
+    Q_PROPERTY(QString captionsMessage READ captionsMessage NOTIFY captioningChanged)
+    Q_PROPERTY(QString saveFailure READ saveFailure NOTIFY saveFailureChanged)
+
+public:
+    enum class ExportState { idle, working, done, failed };
+    Q_ENUM(ExportState)
+
+    struct Selection {
+        struct None {
+            bool operator==(const None&) const = default;
+        };
+        struct Speed {
+            RecordCore::Uuid id;
+            bool operator==(const Speed&) const = default;
+        };
+        struct Zoom {
+            RecordCore::Uuid id;
+            bool operator==(const Zoom&) const = default;
+        };
+        using Value = std::variant<None, RecordCore::TimeRange, Speed, Zoom>;
+    };
+
+    EditorModel(OpenedRecording recording, EditorParts parts, QObject* parent = nullptr);
+    /// Saves what is not saved yet; a running export or recognition is given up.
+    ~EditorModel() override;
+
+    const OpenedRecording& recording() const { return opened; }
+    const RecordCore::Project& project() const { return current; }
+    const RecordCore::Plan& plan() const { return currentPlan; }
+    EditorPreview* preview() const { return shownPreview.get(); }
+
+    QString name() const { return QString::fromStdString(opened.name()); }
+    double duration() const { return opened.info.duration; }
+
+    // Edits.
+
+    /// Replaces the project; a key names an edit that goes on, such as the dragging of one slider. A project
+    /// that equals the present one is no edit.
+    void update(RecordCore::Project project, const std::optional<std::string>& coalesce = std::nullopt);
+    bool canUndo() const { return history.canUndo(); }
+    bool canRedo() const { return history.canRedo(); }
+    Q_INVOKABLE void undo();
+    Q_INVOKABLE void redo();
+
+    /// Sets one plain field of the project by its name; edits of one field in a row are one step. False when
+    /// there is no such field or the value is not of its type.
+    Q_INVOKABLE bool set(const QString& field, const QVariant& value);
+
+    /// The blocks in force: the project's own, else the automatic ones where they are on, else none.
+    const std::vector<RecordCore::SpeedBlock>& speedBlocks() const;
+    const std::vector<RecordCore::ZoomBlock>& zoomBlocks() const;
+
+    void editSpeed(const RecordCore::Uuid& id, const std::function<void(RecordCore::SpeedBlock&)>& change);
+    void editZoom(const RecordCore::Uuid& id, const std::function<void(RecordCore::ZoomBlock&)>& change);
+    void setSpeed(const RecordCore::TimeRange& range, double speed);
+    void addZoom(const RecordCore::TimeRange& range);
+    void deleteSpeed(const RecordCore::Uuid& id);
+    void deleteZoom(const RecordCore::Uuid& id);
+    void cut(const RecordCore::TimeRange& range);
+    void restoreCuts(const RecordCore::TimeRange& range);
+    std::vector<RecordCore::TimeRange> interiorCuts() const;
+    int skippedCount() const;
+    Q_INVOKABLE void split();
+    Q_INVOKABLE void markStart();
+    Q_INVOKABLE void markEnd();
+    Q_INVOKABLE void deleteSelection();
+
+    // The same for views, where times are plain numbers and ids texts.
+    Q_INVOKABLE void editSpeedBlock(const QString& id, double start, double end, double speed);
+    Q_INVOKABLE void editZoomBlock(const QString& id, const QVariantMap& changes);
+    Q_INVOKABLE void setSpeed(double start, double end, double speed);
+    Q_INVOKABLE void addZoom(double start, double end);
+    Q_INVOKABLE void cut(double start, double end);
+    Q_INVOKABLE void restoreCuts(double start, double end);
+    Q_INVOKABLE void editCaption(int index, const QString& text);
+
+    const Selection::Value& selection() const { return selected; }
+    void select(const Selection::Value& selection);
+    Q_INVOKABLE void selectRange(double start, double end);
+    Q_INVOKABLE void selectSpeed(const QString& id);
+    Q_INVOKABLE void selectZoom(const QString& id);
+    Q_INVOKABLE void selectNothing();
+
+    // Plan and playing.
+
+    /// Plans the film anew after `delay` seconds and refreshes the preview. However often it is called while
+    /// that goes on, exactly one more round follows.
+    void rebuild(double delay = 0);
+    bool rendering() const { return isRendering; }
+    double outputDuration() const { return currentPlan.outputDuration(); }
+
+    double playhead() const { return head; } ///< output seconds
+    double sourceTime() const { return currentPlan.sourceTime(head); }
+    bool playing() const { return isPlaying; }
+    Q_INVOKABLE void play();
+    Q_INVOKABLE void pause();
+    Q_INVOKABLE void seek(double outputSeconds);
+    Q_INVOKABLE double outputTime(double source) const { return currentPlan.outputTime(source); }
+    Q_INVOKABLE double sourceTimeAt(double output) const { return currentPlan.sourceTime(output); }
+
+    // Export.
+
+    ExportState exportState() const { return exporting; }
+    double exportProgress() const { return exportShare; }
+    QString exportFailure() const { return exportProblem; }
+    const std::filesystem::path& exportedFile() const { return exported; }
+
+    /// "N – YouTube 4K.mp4".
+    static std::string exportFileName(const std::string& name, RecordCore::OutputFormat format, double scale);
+
+    /// Makes the film in a format (its stored value; the project's when empty). Ignored while one is being
+    /// made.
+    Q_INVOKABLE void exportFilm(const QString& format = {}, double scale = 1, bool watermark = false);
+    Q_INVOKABLE void cancelExport();
+    Q_INVOKABLE void copyExported();
+    Q_INVOKABLE void revealExported();
+
+    // Captions.
+
+    bool captioning() const { return isCaptioning; }
+    double captioningProgress() const { return captioningShare; }
+    QString captionsMessage() const { return captionsProblem; }
+    /// Recognises what is said and shows it as captions. The language chosen is remembered.
+    Q_INVOKABLE void generateCaptions(const QString& language = {});
+    Q_INVOKABLE void cancelCaptions();
+
+    QString saveFailure() const { return saveProblem; }
+
+Q_SIGNALS:
+    void projectChanged();
+    void planChanged();
+    void renderingChanged();
+    void playheadChanged();
+    void playingChanged();
+    void selectionChanged();
+    void exportChanged();
+    void captioningChanged();
+    void saveFailureChanged();
+
+private:
+    template <typename Block>
+    struct AutomaticBlocks {
+        std::optional<RecordCore::Project> made; ///< what they were made for, without what does not matter
+        std::vector<Block> blocks;
+    };
+
+    void apply(RecordCore::Project project);
+    void makePlan();
+    void startRebuild(double delay);
+    void rebuilt();
+    void moveHead(double outputSeconds);
+    void dropStaleSelection();
+    double viewportAspect() const;
+
+    QVariantMap projectFields() const;
+    QVariantList segmentList() const;
+    QVariantList speedBlockList() const;
+    QVariantList zoomBlockList() const;
+    QVariantList pieceList() const;
+    QVariantList interiorCutList() const;
+    QVariantList captionList() const;
+    QVariantMap selectionMap() const;
+    QString exportedFileName() const { return QString::fromStdString(exported.string()); }
+
+    OpenedRecording opened;
+    EditorParts parts;
+    RecordCore::Project current;
+    RecordCore::Plan currentPlan;
+    EditHistory history;
+    mutable AutomaticBlocks<RecordCore::SpeedBlock> autoSpeedCache;
+    mutable AutomaticBlocks<RecordCore::ZoomBlock> autoZoomCache;
+    Selection::Value selected;
+
+    bool isRendering = false;
+    bool renderAgain = false;
+    QTimer rebuildTimer;
+    double head = 0;
+    bool isPlaying = false;
+
+    ExportState exporting = ExportState::idle;
+    double exportShare = 0;
+    QString exportProblem;
+    std::filesystem::path exported;
+
+    bool isCaptioning = false;
+    double captioningShare = 0;
+    QString captionsProblem;
+
+    QString saveProblem;
+
+    std::atomic<bool> exportCancelled{false};
+    std::atomic<bool> captionsCancelled{false};
+    // Ended first, in this order: what they run uses the members above.
+    std::unique_ptr<ProjectStore> store;
+    std::unique_ptr<EditorPreview> shownPreview;
+    SerialQueue captionQueue;
+    SerialQueue exportQueue;
+};
+
+} // namespace OmbrelRecord

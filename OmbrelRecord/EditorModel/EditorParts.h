@@ -1,0 +1,66 @@
+#pragma once
+
+#include "OmbrelRecord/AppModel/Desktop.h"
+#include "RecordCore/Model/ExportOptions.h"
+#include "RecordCore/Planning/Plan.h"
+
+#include <atomic>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace OmbrelRecord {
+
+struct OpenedRecording;
+
+/// The film as the editor shows it. Main thread.
+class EditorPreview {
+public:
+    virtual ~EditorPreview() = default;
+
+    /// Shows the film of this project and plan from now on; `shown` is called on the main thread once it
+    /// does, also when it could not be prepared. The player goes on where it is.
+    virtual void update(const RecordCore::Project& project, const RecordCore::Plan& plan,
+                        std::function<void()> shown) = 0;
+
+    virtual void play() = 0;
+    virtual void pause() = 0;
+    virtual void seek(double outputSeconds) = 0;
+
+    /// Called on the main thread while it plays, and when it stops at the end.
+    std::function<void(double outputSeconds)> onTime;
+    std::function<void(bool playing)> onPlaying;
+};
+
+/// What is exported, and where to.
+struct ExportJob {
+    std::filesystem::path source;
+    RecordCore::Plan plan;
+    RecordCore::ExportOptions options;
+    std::filesystem::path destination;
+};
+
+/// What an editor works with; everything outlives it.
+struct EditorParts {
+    /// Seconds of a clock that never goes back.
+    std::function<double()> now;
+    Desktop* desktop = nullptr;
+    /// Where films are exported to.
+    std::filesystem::path films;
+    /// Writes a film; blocks, on a thread of the editor's. Gives up when `cancel` turns true. Throws.
+    std::function<void(const ExportJob& job, const std::function<void(double)>& progress,
+                       const std::atomic<bool>& cancel)>
+        exportFilm;
+    /// Recognises the words of a recording; blocks, on a thread of the editor's. An empty language is the
+    /// user's. Throws with a message for the user.
+    std::function<std::vector<RecordCore::CaptionWord>(
+        const std::filesystem::path& video, const std::string& language,
+        const std::function<void(double)>& progress, const std::atomic<bool>& cancel)>
+        recognizeWords;
+    /// Makes the preview; may be empty: then there is none.
+    std::function<std::unique_ptr<EditorPreview>(const OpenedRecording& recording)> makePreview;
+};
+
+} // namespace OmbrelRecord
