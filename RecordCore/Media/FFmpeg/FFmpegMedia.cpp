@@ -38,9 +38,8 @@ std::unique_ptr<SoundEncoder> makeSoundEncoder(std::int64_t bitrate, PacketSink 
 
 std::unique_ptr<MovieWriter> createMovie(const std::filesystem::path& file, MovieLayout layout) {
     if (layout == MovieLayout::recording) return std::make_unique<RecordingWriter>(file);
-    return std::make_unique<FilmWriter>(file, layout == MovieLayout::privateFilm
-                                                  ? FilmWriter::Access::ownerOnly
-                                                  : FilmWriter::Access::usual);
+    return std::make_unique<FilmWriter>(
+        file, layout == MovieLayout::privateFilm ? FilmWriter::Access::ownerOnly : FilmWriter::Access::usual);
 }
 
 } // namespace RecordCore::FFmpeg

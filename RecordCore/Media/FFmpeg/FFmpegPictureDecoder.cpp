@@ -88,6 +88,8 @@ void FFmpegPictureDecoder::wrap(const RawPicture& picture) {
     }
 }
 
-std::unique_ptr<PictureDecoder> makePictureDecoder() { return std::make_unique<FFmpegPictureDecoder>(); }
+std::unique_ptr<PictureDecoder> makePictureDecoder() {
+    return std::make_unique<FFmpegPictureDecoder>();
+}
 
 } // namespace RecordCore::FFmpeg

@@ -5,12 +5,12 @@
 
 extern "C" {
 #include <libavutil/channel_layout.h>
-#include <libavutil/opt.h>
 }
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace RecordCore::FFmpeg {
@@ -26,17 +26,10 @@ constexpr std::int64_t preroll = soundRate / 5;     // samples decoded before th
 FFmpegSoundReader::FFmpegSoundReader(const std::filesystem::path& file, int streamIndex) :
     input(file), stream(input.context()->streams[streamIndex]), frame(makeFrame()), packet(makePacket()) {
     if (input.video()) origin = static_cast<double>(input.origin()) * av_q2d(input.video()->time_base);
-    const double base = av_q2d(stream->time_base);
-    const double start =
-        stream->start_time != AV_NOPTS_VALUE ? static_cast<double>(stream->start_time) * base : origin;
-    double length = 0;
-    if (stream->duration > 0 && stream->duration != AV_NOPTS_VALUE)
-        length = static_cast<double>(stream->duration) * base;
-    else if (input.context()->duration > 0 && input.context()->duration != AV_NOPTS_VALUE)
-        length = static_cast<double>(input.context()->duration) / AV_TIME_BASE;
+    const double length = input.endOf(stream) - origin;
     if (!(length <= longestDuration))
         fail(file, "the sound claims to be longer than 100 hours; it is probably damaged");
-    lastPosition = std::max<std::int64_t>(0, std::llround((start - origin + length) * soundRate));
+    lastPosition = std::max<std::int64_t>(0, std::llround(length * soundRate));
     openDecoder();
     input.select(stream);
     // Reading for the origin has gone past the first sounds.
@@ -141,8 +134,9 @@ void FFmpegSoundReader::startRun(const AVFrame& decoded, double time) {
     av_channel_layout_uninit(&from);
     resampler.reset(made);
     if (code >= 0) {
-        // One voice on one channel is as loud on both.
-        if (decoded.ch_layout.nb_channels == 1) av_opt_set_double(made, "center_mix_level", 1.0, 0);
+        // One voice on one channel is as loud on both; the library would halve its power.
+        constexpr std::array<double, soundChannels> both{1, 1};
+        if (decoded.ch_layout.nb_channels == 1) swr_set_matrix(made, both.data(), 1);
         code = swr_init(made);
     }
     if (code < 0) fail(input.path(), "the sound is in a format that cannot be converted", code);

@@ -109,7 +109,8 @@ void InputFile::checkWhole() const {
     for (unsigned i = 0; i < handle->nb_streams; ++i) {
         AVStream* stream = handle->streams[i];
         const int entries = avformat_index_get_entries_count(stream);
-        if (entries == 0 || stream->nb_frames == 0) continue; // fragments
+        // A file in fragments is meant to be read as far as it goes: a crash may have cut it.
+        if (entries == 0 || stream->nb_frames == 0) continue;
         const AVIndexEntry* last = avformat_index_get_entry(stream, entries - 1);
         if (last->pos + last->size > size)
             fail(file, fmt::format("the file is cut off: it holds {} bytes of at least {}", size,
@@ -201,6 +202,18 @@ SourceInfo InputFile::info() {
     return facts;
 }
 
+double InputFile::endOf(const AVStream* stream) const {
+    if (stream->duration > 0 && stream->duration != AV_NOPTS_VALUE) {
+        const std::int64_t first = stream->start_time != AV_NOPTS_VALUE ? stream->start_time : 0;
+        return seconds(first + stream->duration, stream->time_base);
+    }
+    if (const AVDictionaryEntry* tag = av_dict_get(stream->metadata, "DURATION", nullptr, 0))
+        if (const double end = clockSeconds(tag->value); end > 0) return end;
+    if (handle->duration <= 0 || handle->duration == AV_NOPTS_VALUE) return 0;
+    const std::int64_t first = handle->start_time == AV_NOPTS_VALUE ? 0 : handle->start_time;
+    return seconds(first + handle->duration, AV_TIME_BASE_Q);
+}
+
 double InputFile::measureDuration(double& averageRate) {
     const double start = seconds(origin(), videoStream->time_base);
     const bool isMov = std::strcmp(handle->iformat->name, "mov,mp4,m4a,3gp,3g2,mj2") == 0;
@@ -218,12 +231,7 @@ double InputFile::measureDuration(double& averageRate) {
         }
         if (videoStream->duration > 0 && videoStream->duration != AV_NOPTS_VALUE)
             return seconds(videoStream->duration, videoStream->time_base);
-        if (const AVDictionaryEntry* tag = av_dict_get(videoStream->metadata, "DURATION", nullptr, 0))
-            if (const double end = clockSeconds(tag->value); end > start) return end - start;
-        if (handle->duration > 0 && handle->duration != AV_NOPTS_VALUE) {
-            const std::int64_t first = handle->start_time == AV_NOPTS_VALUE ? 0 : handle->start_time;
-            return seconds(first + handle->duration, AV_TIME_BASE_Q) - start;
-        }
+        if (const double end = endOf(videoStream); end > start) return end - start;
     }
 
     // Reads the file through once, on a handle of its own so that this one stands where it was.

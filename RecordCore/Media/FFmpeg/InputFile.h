@@ -51,6 +51,9 @@ public:
     /// there is no picture. Reads the first packets; they are kept and read again by `read`.
     std::int64_t origin();
 
+    /// Where a track ends, in seconds on the file's own clock, as far as the file says.
+    double endOf(const AVStream* stream) const;
+
     /// Only packets of this track are wanted from now on.
     void select(const AVStream* stream);
     /// The next packet, of any wanted track; false at the end. A read error inside a damaged file counts as
