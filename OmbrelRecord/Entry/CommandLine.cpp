@@ -52,29 +52,31 @@ std::optional<int> run(int argc, char** argv) {
     const auto backend = [] { return makeMediaBackend(); };
 
     Commands::Record record;
-    CLI::App& recordVerb = *app.add_subcommand("record", "Record the screen until Ctrl-C");
-    addOutput(recordVerb, record.folder, "Folder to record into");
-    CLI::Option& display =
-        *recordVerb.add_option("--display", record.display, "Display, as sources names it");
-    recordVerb.add_option("--window", record.window, "Window, as sources names it")->excludes(&display);
-    recordVerb.add_option("--seconds", record.seconds, "Stop by itself after so many seconds")
-        ->check(CLI::PositiveNumber);
+    CLI::App& recordVerb = *app.add_subcommand("record", "Record a screen until Ctrl-C");
+    recordVerb.add_option("-o,--output", record.folder, "Folder of the recording, made if it is not there")
+        ->required();
+    CLI::Option* display = recordVerb.add_option("--display", record.display,
+                                                 "Display: its id or its place in `sources`, from 1");
+    recordVerb.add_option("--window", record.window, "Id of a window in `sources`")->excludes(display);
+    recordVerb.add_option("--seconds", record.seconds, "Stop by itself after this time")
+        ->check(CLI::Range(0.1, 86400.0));
     recordVerb.add_option("--fps", record.fps, "Most frames per second")->check(CLI::Range(1, 240));
-    recordVerb.add_flag("--system-sound", record.systemSound, "Record the computer's sound");
-    CLI::Option& microphone = *recordVerb
-                                   .add_option("--microphone", record.microphoneID,
-                                               "Record a microphone, the default one without ID")
-                                   ->expected(0, 1)
-                                   ->option_text("[ID]");
+    recordVerb.add_flag("--system-sound", record.systemSound, "Record what the computer plays");
+    CLI::Option* microphone =
+        recordVerb
+            .add_option("--microphone", record.microphoneID, "Record a microphone: an id, or the default one")
+            ->expected(0, 1);
     recordVerb.add_flag("--camera", record.camera, "Record the camera");
     recordVerb.callback([&] {
-        record.microphone = microphone.count() > 0;
+        record.microphone = microphone->count() > 0;
+        const auto media = backend();
+        const CaptureServices services = makeCaptureServices();
         const Interrupt interrupt;
-        Commands::run(record, *backend(), makeCaptureServices(), interrupt.requested());
+        Commands::run(record, *media, services, interrupt.requested());
     });
 
     CLI::App& sourcesVerb =
-        *app.add_subcommand("sources", "Print displays, windows, microphones and cameras as JSON");
+        *app.add_subcommand("sources", "List displays, windows, microphones and cameras as JSON");
     sourcesVerb.callback([] { Commands::runSources(makeCaptureServices()); });
 
     Commands::Analyze analyze;

@@ -1,6 +1,7 @@
 #include "OmbrelRecord/Entry/Loading.h"
 
 #include "OmbrelRecord/Entry/ProgressBar.h"
+#include "RecordCore/Capture/RecordingRecovery.h"
 
 #include <fmt/format.h>
 
@@ -12,6 +13,8 @@ using namespace RecordCore;
 
 LoadedRecording loadForCommand(const std::filesystem::path& folder, const std::optional<std::string>& format,
                                const MediaBackend& media) {
+    recoverRecording(folder, media,
+                     [](const std::string& line) { fmt::print(stderr, "ombrel-record: {}\n", line); });
     std::optional<LoadedRecording> recording;
     {
         ProgressBar bar("Watching the recording");

@@ -16,16 +16,20 @@ namespace RecordCore {
 
 namespace {
 
-constexpr int trialFrames = 8;
+constexpr int trialFrames = 5;
 // What an encoder may take of the machine: the programs that are recorded need it, too.
 constexpr double share = 0.5;
+// HEVC in software took four times the work of H.264 or more wherever it was measured; where not even three
+// times would do, a trial of it only costs the user time.
+constexpr double leastHevcRatio = 3;
 
 struct Candidate {
     Codec codec = Codec::h264;
     const char* preset = "";
     auto operator<=>(const Candidate&) const = default;
 };
-constexpr Candidate candidates[] = {{Codec::hevc, "ultrafast"}, {Codec::h264, "superfast"}};
+constexpr Candidate fastHevc{Codec::hevc, "ultrafast"};
+constexpr Candidate usualH264{Codec::h264, "superfast"};
 constexpr Candidate lastResort{Codec::h264, "ultrafast"};
 
 VideoSettings settingsFor(int width, int height, int fps) {
@@ -109,31 +113,37 @@ std::unique_ptr<VideoEncoder> chooseEncoder(const MediaBackend& media, int width
         settings.hardware = false; // the usual case: there is none
     }
 
-    // By size and rate: the candidate and the time it took for a frame.
-    static std::mutex mutex;
-    static std::map<std::tuple<int, int, int, Candidate>, double> known;
     const double budget = share * std::max(std::thread::hardware_concurrency(), 1U) / fps;
-    for (const Candidate& candidate : candidates) {
+    const auto work = [&](const Candidate& candidate) {
+        // By size and rate.
+        static std::mutex mutex;
+        static std::map<std::tuple<int, int, int, Candidate>, double> known;
+        const std::lock_guard lock(mutex);
+        const auto key = std::tuple(width, height, fps, candidate);
+        if (const auto found = known.find(key); found != known.end()) return found->second;
         settings.codec = candidate.codec;
         settings.preset = candidate.preset;
+        return known.emplace(key, trial(media, settings, budget)).first->second;
+    };
+    const auto use = [&](const Candidate& candidate, double time) {
+        settings.codec = candidate.codec;
+        settings.preset = candidate.preset;
+        return chosen(media.makeVideoEncoder(settings, sink),
+                      fmt::format("{:.1f} ms of work a frame", time * 1e3));
+    };
+    const double usual = work(usualH264);
+    if (usual * leastHevcRatio <= budget) {
         try {
-            const std::lock_guard lock(mutex);
-            const auto key = std::tuple(width, height, fps, candidate);
-            auto found = known.find(key);
-            if (found == known.end()) found = known.emplace(key, trial(media, settings, budget)).first;
-            const double time = found->second;
-            if (time > budget) {
-                log(fmt::format("record: {} {} would take {:.1f} ms of work a frame, too much",
-                                candidate.codec == Codec::hevc ? "hevc" : "h264", candidate.preset,
-                                time * 1e3));
-                continue;
-            }
-            return chosen(media.makeVideoEncoder(settings, sink),
-                          fmt::format("{:.1f} ms of work a frame", time * 1e3));
+            const double time = work(fastHevc);
+            if (time <= budget) return use(fastHevc, time);
+            log(fmt::format("record: hevc would take {:.1f} ms of work a frame, too much", time * 1e3));
         } catch (const RecordingError& error) {
-            log(fmt::format("record: {}", error.what()));
+            log(fmt::format("record: {}", error.what())); // this build has none
         }
     }
+    if (usual <= budget) return use(usualH264, usual);
+    log(fmt::format("record: h264 {} would take {:.1f} ms of work a frame, too much", usualH264.preset,
+                    usual * 1e3));
     settings.codec = lastResort.codec;
     settings.preset = lastResort.preset;
     return chosen(media.makeVideoEncoder(settings, sink), "the fastest there is");

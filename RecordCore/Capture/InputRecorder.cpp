@@ -13,6 +13,19 @@ constexpr int boundsEvery = 6;      // ticks between two looks at the window
 constexpr double scrollPause = 0.1; // seconds within which scrolls are one
 } // namespace
 
+InputRecorder::Region InputRecorder::Region::of(const ScreenBackend& screen, const ScreenSource& source,
+                                                int pictureWidth, int pictureHeight) {
+    if (const auto* chosen = std::get_if<WindowSource>(&source))
+        return window(screen.openBounds(chosen->id, pictureWidth, pictureHeight));
+    const std::uint32_t id = std::get<DisplaySource>(source).id;
+    CapturedArea area;
+    for (const DisplayInfo& each : screen.displays())
+        if (each.id == id || (area.frame.empty() && each.main)) area.frame = each.frame;
+    area.picture = {area.frame.x, area.frame.y, static_cast<double>(pictureWidth),
+                    static_cast<double>(pictureHeight)};
+    return display(area);
+}
+
 InputRecorder::InputRecorder(Region area, std::unique_ptr<InputSource> from, const HostClock& clock,
                              RecordingJournal* journal) :
     clock(clock),

@@ -3,6 +3,7 @@
 #include "RecordCore/Capture/HostClock.h"
 #include "RecordCore/Capture/InputSource.h"
 #include "RecordCore/Capture/RecordingJournal.h"
+#include "RecordCore/Capture/ScreenBackend.h"
 #include "RecordCore/Capture/WindowBounds.h"
 #include "RecordCore/Model/InputLog.h"
 
@@ -21,6 +22,10 @@ public:
     struct Region {
         static Region display(const CapturedArea& area) { return {area, nullptr}; }
         static Region window(std::unique_ptr<WindowBounds> bounds) { return {{}, std::move(bounds)}; }
+        /// What a screen stream of that size captures. A display that is no longer listed counts as the main
+        /// one.
+        static Region of(const ScreenBackend& screen, const ScreenSource& source, int pictureWidth,
+                         int pictureHeight);
 
         CapturedArea area;
         std::unique_ptr<WindowBounds> bounds; ///< none: a display

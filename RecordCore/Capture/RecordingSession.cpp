@@ -28,21 +28,6 @@ RecordingSession::RecordingSession(std::filesystem::path folder, Setup setup, Se
 
 RecordingSession::~RecordingSession() = default;
 
-InputRecorder::Region RecordingSession::region() const {
-    const ScreenBackend& backend = services.screen.screen;
-    const int width = recorder->width();
-    const int height = recorder->height();
-    if (const auto* window = std::get_if<WindowSource>(&setup.screen.source))
-        return InputRecorder::Region::window(backend.openBounds(window->id, width, height));
-    const std::uint32_t id = std::get<DisplaySource>(setup.screen.source).id;
-    const std::vector<DisplayInfo> displays = backend.displays();
-    CapturedArea area;
-    for (const DisplayInfo& display : displays)
-        if (display.id == id || (area.frame.empty() && display.main)) area.frame = display.frame;
-    area.picture = {area.frame.x, area.frame.y, static_cast<double>(width), static_cast<double>(height)};
-    return InputRecorder::Region::display(area);
-}
-
 void RecordingSession::start() {
     makePrivateFolder(files.folder);
     if (std::filesystem::exists(files.video())) {
@@ -62,8 +47,10 @@ void RecordingSession::start() {
             }
         };
         recorder->start(files.video(), journal.get());
-        input = std::make_unique<InputRecorder>(region(), services.screen.screen.openInput(),
-                                                services.screen.clock, journal.get());
+        input = std::make_unique<InputRecorder>(
+            InputRecorder::Region::of(services.screen.screen, setup.screen.source, recorder->width(),
+                                      recorder->height()),
+            services.screen.screen.openInput(), services.screen.clock, journal.get());
         input->start();
     } catch (...) {
         input.reset();

@@ -50,7 +50,6 @@ public:
     std::function<void(const std::string& message)> onStop;
 
 private:
-    InputRecorder::Region region() const;
     void startCamera();
     void stopCamera();
 

@@ -49,6 +49,9 @@ class ScreenBackend {
 public:
     virtual ~ScreenBackend() = default;
 
+    /// Whether this program may capture the screen; true where there is no screen to ask about.
+    virtual bool accessGranted() const = 0;
+
     /// The main display first.
     virtual std::vector<DisplayInfo> displays() const = 0;
     /// All windows, in the system's order; `recordableWindows` chooses among them.

@@ -6,6 +6,7 @@
 #include "RecordCore/Model/AtomicFile.h"
 #include "RecordCore/Model/InputLog.h"
 #include "RecordCore/Model/RecordingFiles.h"
+#include "Tests/System/PulseDaemon.h"
 #include "Tests/System/XSession.h"
 
 #include <gmock/gmock.h>
@@ -16,6 +17,7 @@
 #include <cmath>
 #include <csignal>
 #include <cstdlib>
+#include <numbers>
 #include <random>
 #include <sys/stat.h>
 #include <thread>
@@ -100,6 +102,22 @@ public:
 private:
     std::jthread thread;
 };
+
+/// How loud a tone is in a sound track at some time, as an amplitude. So short a piece does not mind that a
+/// device's clock runs a little fast or slow.
+double tone(SoundReader& sound, double from, double frequency) {
+    constexpr int count = soundRate / 20;
+    std::vector<float> samples(2 * count);
+    sound.read(static_cast<std::int64_t>(from * soundRate), samples);
+    double real = 0, imaginary = 0;
+    for (int i = 0; i < count; ++i) {
+        const double phase = 2 * std::numbers::pi * frequency * i / soundRate;
+        const auto sample = static_cast<double>(samples[static_cast<std::size_t>(2 * i)]);
+        real += sample * std::cos(phase);
+        imaginary += sample * std::sin(phase);
+    }
+    return std::hypot(real, imaginary) * 2 / count;
+}
 
 } // namespace
 
@@ -293,4 +311,73 @@ TEST_F(Recording, AFullDiskEndsItCleanlyAndKeepsIt) {
     EXPECT_GE(static_cast<double>(luma(100, 100).size()), 10 * duration);
     EXPECT_FALSE(InputLog::load(files.input()).cursor.empty());
     EXPECT_FALSE(loadActivity(files.activity()).empty());
+}
+
+TEST_F(Recording, SystemSoundAndMicrophoneAreTracksOfTheirOwn) {
+    if (!PulseDaemon::installed() || !ChildProcess::installed("ffmpeg"))
+        GTEST_SKIP() << "pulseaudio, pactl and ffmpeg are not all installed";
+    PulseDaemon daemon;
+    daemon.start();
+    daemon.plugMicrophone("microphone");
+    const ChildProcess played(
+        {"ffmpeg", "-re", "-f", "lavfi", "-i", "sine=frequency=500:sample_rate=48000", "-f", "pulse", "tone"},
+        {});
+    const ChildProcess spoken({"ffmpeg", "-y", "-re", "-f", "lavfi", "-i",
+                               "sine=frequency=900:sample_rate=48000", "-ac", "2", "-f", "s16le",
+                               daemon.pipeOf("microphone").string()},
+                              {});
+    record({"--system-sound", "--microphone", "--seconds", "4"});
+    EXPECT_EQ(recorder->wait(), 0) << said();
+    expectComplete();
+    const auto tracks = FFmpeg::openSound(files.video());
+    ASSERT_EQ(tracks.size(), 2U);
+    // The generator's tone has an amplitude of 1/8; each track has its own and nothing of the other's.
+    EXPECT_GT(tone(*tracks[0], 2, 500), 0.05);
+    EXPECT_LT(tone(*tracks[0], 2, 900), 0.01);
+    EXPECT_GT(tone(*tracks[1], 2, 900), 0.05);
+    EXPECT_LT(tone(*tracks[1], 2, 500), 0.01);
+    // As long as the picture.
+    const double duration = FFmpeg::sourceInfo(files.video()).duration;
+    for (const auto& track : tracks)
+        EXPECT_NEAR(static_cast<double>(track->end()) / soundRate, duration, 0.05);
+}
+
+TEST_F(Recording, TheSelfTestPassesAndReportsEveryLine) {
+    std::optional<PulseDaemon> daemon;
+    if (PulseDaemon::installed()) {
+        daemon.emplace();
+        daemon->start();
+        daemon->plugMicrophone("microphone");
+    }
+    TestWindow window(*session, "a title", 50, 50, 500, 400, 0x808080);
+    const Busy busy(window);
+    EXPECT_EQ(ChildProcess::run({program(), "--window", "--selftest", files.folder.string()}, {{}, output}),
+              0);
+    const std::string report = readFile(files.folder / "report.txt");
+    std::vector<std::string> patterns{
+        "Ombrel Record self-test [-0-9]+ [:0-9]+ [+]0000",
+        "screen access: true",
+        "accessibility [(]keys[)]: true",
+        "displays: 1",
+        "window: Test · a title",
+        "microphones: .*, permission .*",
+        "recorded for [34][.][0-9] s, pointer samples 2[0-9]+, events 0",
+        "live analysis: [0-9]+ samples, busiest [01][.][0-9]{3}",
+        daemon ? "sound tracks in the file: 2 [(]system audio [+] microphone[)]"
+               : "sound tracks in the file: 0",
+        daemon ? "file: [34][.][0-9]{2} s, audio true, [0-9]+ KB, [0-9]+ activity samples"
+               : "file: [34][.][0-9]{2} s, audio false, [0-9]+ KB, [0-9]+ activity samples",
+        "export: [0-9]+ frames, [0-9.]+ s in [0-9.]+ s",
+        "PASS"};
+    std::string whole;
+    for (const std::string& pattern : patterns)
+        whole += (whole.empty() ? "" : "\n") + pattern;
+    EXPECT_THAT(report, testing::MatchesRegex(whole)) << said();
+    EXPECT_GT(FFmpeg::sourceInfo(files.folder / "export.mp4").duration, 1);
+}
+
+TEST(SelfTest, SaysThatThereIsNoDisplay) {
+    const TemporaryFolder folder;
+    ChildProcess::run({"env", "-u", "DISPLAY", program(), "--selftest", folder.path().string()}, {});
+    EXPECT_THAT(readFile(folder / "report.txt"), testing::EndsWith("\nFAIL: no display"));
 }

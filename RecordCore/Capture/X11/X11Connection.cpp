@@ -2,10 +2,28 @@
 
 #include <fmt/format.h>
 #include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 #include <cstring>
 
 namespace RecordCore {
+
+bool x11ServerListens() {
+    char* host = nullptr;
+    int number = 0;
+    if (xcb_parse_display(nullptr, &host, &number, nullptr) == 0) return false;
+    const std::unique_ptr<char, FreeXcb> owned(host);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    const std::string path = fmt::format("/tmp/.X11-unix/X{}", number);
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    const int file = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (file < 0) return false;
+    const bool listens = connect(file, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+    close(file);
+    return listens;
+}
 
 X11Connection::X11Connection(const std::string& display) {
     int number = 0;

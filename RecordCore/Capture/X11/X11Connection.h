@@ -55,4 +55,7 @@ private:
     const xcb_screen_t* defaultScreen = nullptr;
 };
 
+/// Whether a server of this machine answers at DISPLAY, be it to refuse us.
+bool x11ServerListens();
+
 } // namespace RecordCore

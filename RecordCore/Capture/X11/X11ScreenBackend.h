@@ -8,6 +8,7 @@ namespace RecordCore {
 /// connection.
 class X11ScreenBackend final : public ScreenBackend {
 public:
+    bool accessGranted() const override;
     std::vector<DisplayInfo> displays() const override;
     std::vector<WindowInfo> windows() const override;
     std::unique_ptr<ScreenStream> openScreen(const ScreenSource& source, int fps) const override;
