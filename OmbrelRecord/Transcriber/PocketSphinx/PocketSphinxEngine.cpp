@@ -113,7 +113,7 @@ std::vector<fs::path> PocketSphinxEngine::standardFolders() {
     std::vector<fs::path> list;
     for (std::string_view rest = data + ":" + shared; !rest.empty();) {
         const std::size_t end = std::min(rest.find(':'), rest.size());
-        // What is not absolute is to be ignored (XDG Base Directory Specification).
+        // What is not absolute is to be ignored (XDG base directories).
         if (rest.starts_with('/')) list.push_back(fs::path(rest.substr(0, end)) / "pocketsphinx" / "model");
         rest.remove_prefix(std::min(end + 1, rest.size()));
     }
