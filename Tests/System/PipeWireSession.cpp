@@ -22,6 +22,11 @@ PipeWireSession::PipeWireSession() {
             return std::filesystem::exists(own / "bus") && std::filesystem::exists(own / "pipewire-0");
         }))
         throw std::runtime_error("pipewire does not start");
+    // Bluetooth is not wanted, and its watch on logins ends the session manager where systemd does not run.
+    const std::filesystem::path settings = own.path() / "wireplumber/bluetooth.lua.d";
+    std::filesystem::create_directories(settings);
+    std::ofstream(settings / "51-none.lua") << "bluez_monitor.enabled = false\n"
+                                               "bluez_monitor.properties[\"with-logind\"] = false\n";
     manager.emplace(std::vector<std::string>{"wireplumber"}, options("wireplumber.log"));
 }
 
