@@ -14,6 +14,7 @@
 namespace OmbrelRecord {
 
 struct OpenedRecording;
+class PreviewPicture;
 
 /// The film as the editor shows it. Main thread.
 class EditorPreview {
@@ -28,6 +29,9 @@ public:
     virtual void play() = 0;
     virtual void pause() = 0;
     virtual void seek(double outputSeconds) = 0;
+
+    /// What it shows, for a view to draw; null when it shows nothing. Lives as long as the preview.
+    virtual PreviewPicture* picture() { return nullptr; }
 
     /// Called on the main thread while it plays, and when it stops at the end.
     std::function<void(double outputSeconds)> onTime;
