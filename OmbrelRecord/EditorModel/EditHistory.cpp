@@ -15,6 +15,11 @@ void EditHistory::record(const Project& current, const std::optional<std::string
     future.clear();
 }
 
+void EditHistory::drop() {
+    if (!history.empty()) history.pop_back();
+    lastCoalesce.reset();
+}
+
 std::optional<Project> EditHistory::undo(const Project& current) {
     if (history.empty()) return std::nullopt;
     future.push_back(current);

@@ -20,6 +20,9 @@ public:
     /// An edit is about to replace `current`. `now` are seconds of a clock that never goes back.
     void record(const RecordCore::Project& current, const std::optional<std::string>& key, double now);
 
+    /// Forgets the last step; what it led away from is not kept for redo.
+    void drop();
+
     bool canUndo() const { return !history.empty(); }
     bool canRedo() const { return !future.empty(); }
     std::size_t undoCount() const { return history.size(); }

@@ -7,7 +7,9 @@
 namespace OmbrelRecord {
 
 EditorLoader::EditorLoader(const RecordCore::MediaBackend& media, EditorParts parts, QObject* parent) :
-    QObject(parent), media(media), parts(std::move(parts)) {}
+    QObject(parent), media(media), parts(std::move(parts)) {
+    this->parts.media = &media;
+}
 
 EditorLoader::~EditorLoader() {
     if (cancelled) *cancelled = true;

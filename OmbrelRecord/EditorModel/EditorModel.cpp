@@ -68,6 +68,7 @@ EditorModel::EditorModel(OpenedRecording recording, EditorParts editorParts, QOb
         saveProblem = QStringLiteral("Your changes couldn't be saved: ") + description;
         Q_EMIT saveFailureChanged();
     });
+    cameraThere = opened.camera().has_value();
     rebuildTimer.setSingleShot(true);
     connect(&rebuildTimer, &QTimer::timeout, this, &EditorModel::rebuilt);
     makePlan();
@@ -94,7 +95,12 @@ EditorModel::~EditorModel() {
 
 void EditorModel::update(Project project, const std::optional<std::string>& coalesce) {
     if (project == current) return;
-    history.record(current, coalesce, parts.now());
+    if (gesture) {
+        gesture->edited = true;
+        history.record(current, gesture->key, gesture->begun);
+    } else {
+        history.record(current, coalesce, parts.now());
+    }
     apply(std::move(project));
 }
 
@@ -110,11 +116,43 @@ void EditorModel::apply(Project project) {
     rebuild();
 }
 
+void EditorModel::beginGesture() {
+    if (gesture) {
+        ++gesture->depth;
+        return;
+    }
+    gesture.emplace();
+    gesture->key = fmt::format("gesture {}", ++gestures);
+    gesture->begun = parts.now();
+    gesture->before = current;
+}
+
+void EditorModel::endGesture() {
+    if (!gesture || --gesture->depth > 0) return;
+    // A hand that brought everything back has done nothing.
+    if (gesture->edited && current == gesture->before) return cancelGesture();
+    gesture.reset();
+}
+
+void EditorModel::cancelGesture() {
+    if (!gesture) return;
+    const Gesture given = std::move(*gesture);
+    gesture.reset();
+    if (!given.edited) return;
+    history.drop(); // the step that the gesture made
+    if (current != given.before)
+        apply(given.before);
+    else
+        Q_EMIT projectChanged();
+}
+
 void EditorModel::undo() {
+    if (gesture) return;
     if (auto project = history.undo(current)) apply(std::move(*project));
 }
 
 void EditorModel::redo() {
+    if (gesture) return;
     if (auto project = history.redo(current)) apply(std::move(*project));
 }
 
@@ -123,6 +161,13 @@ bool EditorModel::set(const QString& field, const QVariant& value) {
     if (!ProjectFields::write(project, field, value)) return false;
     update(std::move(project), field.toStdString());
     return true;
+}
+
+void EditorModel::setAll(const QVariantMap& fields) {
+    Project project = current;
+    for (auto field = fields.begin(); field != fields.end(); ++field)
+        ProjectFields::write(project, field.key(), field.value());
+    update(std::move(project));
 }
 
 double EditorModel::viewportAspect() const {
@@ -200,6 +245,18 @@ void EditorModel::deleteZoom(const Uuid& id) {
     if (ProjectEditing::deleteZoom(project, zoomBlocks(), id)) update(std::move(project));
 }
 
+void EditorModel::resetSpeedBlocks() {
+    Project project = current;
+    project.speedBlocks.reset();
+    update(std::move(project));
+}
+
+void EditorModel::resetZoomBlocks() {
+    Project project = current;
+    project.zoomBlocks.reset();
+    update(std::move(project));
+}
+
 void EditorModel::cut(const TimeRange& range) {
     Project project = current;
     ProjectEditing::cut(project, range);
@@ -223,6 +280,16 @@ int EditorModel::skippedCount() const {
 void EditorModel::split() {
     Project project = current;
     if (ProjectEditing::split(project, sourceTime(), duration())) update(std::move(project));
+}
+
+void EditorModel::removeSplit(double time) {
+    Project project = current;
+    const auto nearest =
+        std::min_element(project.splits.begin(), project.splits.end(),
+                         [time](double a, double b) { return std::abs(a - time) < std::abs(b - time); });
+    if (nearest == project.splits.end()) return;
+    project.splits.erase(nearest);
+    update(std::move(project));
 }
 
 void EditorModel::markStart() {
@@ -297,8 +364,21 @@ void EditorModel::restoreCuts(double start, double end) {
 void EditorModel::editCaption(int index, const QString& words) {
     if (!current.captions || index < 0 || static_cast<std::size_t>(index) >= current.captions->size()) return;
     Project project = current;
-    (*project.captions)[static_cast<std::size_t>(index)].text = words.toStdString();
+    const QString text = words.simplified();
+    if (text.isEmpty()) {
+        project.captions->erase(project.captions->begin() + index);
+        update(std::move(project));
+        return;
+    }
+    (*project.captions)[static_cast<std::size_t>(index)].text = text.toStdString();
     update(std::move(project), fmt::format("caption {}", index));
+}
+
+void EditorModel::removeCaptions() {
+    Project project = current;
+    project.captions.reset();
+    project.showCaptions = false;
+    update(std::move(project));
 }
 
 void EditorModel::select(const Selection::Value& selection) {
@@ -399,7 +479,7 @@ std::string EditorModel::exportFileName(const std::string& name, OutputFormat fo
     return fmt::format("{} – {}{}.mp4", name, label(format), scale > 1 ? " 4K" : "");
 }
 
-void EditorModel::exportFilm(const QString& format, double scale, bool watermark) {
+void EditorModel::exportFilm(const QString& format, double scale, bool watermark, double fps) {
     if (exporting == ExportState::working || !parts.exportFilm) return;
     pause();
     ExportJob job;
@@ -408,6 +488,7 @@ void EditorModel::exportFilm(const QString& format, double scale, bool watermark
     if (!format.isEmpty()) job.options.project.format = format.toStdString();
     job.options.log = opened.log;
     job.options.scale = scale;
+    job.options.fps = fps;
     job.options.watermark = watermark;
     job.options.camera = opened.camera();
     const OutputFormat shape = job.options.format();
@@ -443,7 +524,7 @@ void EditorModel::exportFilm(const QString& format, double scale, bool watermark
                 exporting = ExportState::done;
                 exportShare = 1;
                 exported = destination;
-                parts.desktop->reveal(exported);
+                if (revealsExported) parts.desktop->reveal(exported);
             } else if (cancelled) {
                 exporting = ExportState::idle;
                 exportShare = 0;
@@ -459,6 +540,7 @@ void EditorModel::exportFilm(const QString& format, double scale, bool watermark
 
 void EditorModel::cancelExport() {
     exportCancelled = true;
+    Q_EMIT exportChanged();
 }
 
 void EditorModel::copyExported() {

@@ -9,6 +9,7 @@
 #include "RecordCore/Planning/Plan.h"
 
 #include <QtCore/QObject>
+#include <QtCore/QSize>
 #include <QtCore/QString>
 #include <QtCore/QTimer>
 #include <QtCore/QVariant>
@@ -38,6 +39,11 @@ class EditorModel : public QObject {
     Q_PROPERTY(QVariantList zoomBlocks READ zoomBlockList NOTIFY planChanged)
     Q_PROPERTY(QVariantList pieces READ pieceList NOTIFY planChanged)
     Q_PROPERTY(QVariantList interiorCuts READ interiorCutList NOTIFY planChanged)
+    Q_PROPERTY(bool ownSpeedBlocks READ ownSpeedBlocks NOTIFY projectChanged)
+    Q_PROPERTY(bool ownZoomBlocks READ ownZoomBlocks NOTIFY projectChanged)
+    Q_PROPERTY(bool hasCamera READ hasCamera CONSTANT)
+    Q_PROPERTY(bool hasSound READ hasSound CONSTANT)
+    Q_PROPERTY(QSize sourceSize READ sourceSize CONSTANT)
     Q_PROPERTY(QVariantList captions READ captionList NOTIFY projectChanged)
     Q_PROPERTY(bool rendering READ rendering NOTIFY renderingChanged)
     Q_PROPERTY(double playhead READ playhead WRITE seek NOTIFY playheadChanged)
@@ -46,6 +52,7 @@ class EditorModel : public QObject {
     Q_PROPERTY(QVariantMap selection READ selectionMap NOTIFY selectionChanged)
     Q_PROPERTY(ExportState exportState READ exportState NOTIFY exportChanged)
     Q_PROPERTY(double exportProgress READ exportProgress NOTIFY exportChanged)
+    Q_PROPERTY(bool exportCancelling READ exportCancelling NOTIFY exportChanged)
     Q_PROPERTY(QString exportFailure READ exportFailure NOTIFY exportChanged)
     Q_PROPERTY(QString exportedFile READ exportedFileName NOTIFY exportChanged)
     Q_PROPERTY(bool captioning READ captioning NOTIFY captioningChanged)
@@ -77,12 +84,19 @@ public:
     ~EditorModel() override;
 
     const OpenedRecording& recording() const { return opened; }
+    /// Where pictures and sound of the recording come from; may be none.
+    const RecordCore::MediaBackend* media() const { return parts.media; }
     const RecordCore::Project& project() const { return current; }
     const RecordCore::Plan& plan() const { return currentPlan; }
     EditorPreview* preview() const { return shownPreview.get(); }
 
     QString name() const { return QString::fromStdString(opened.name()); }
     double duration() const { return opened.info.duration; }
+    bool hasCamera() const { return cameraThere; }
+    bool hasSound() const { return opened.info.hasAudio; }
+    QSize sourceSize() const {
+        return {static_cast<int>(opened.info.width), static_cast<int>(opened.info.height)};
+    }
 
     // Edits.
 
@@ -98,6 +112,17 @@ public:
     /// there is no such field or the value is not of its type.
     Q_INVOKABLE bool set(const QString& field, const QVariant& value);
 
+    /// Sets several plain fields as one step (a saved look, say); those that do not fit are left alone.
+    Q_INVOKABLE void setAll(const QVariantMap& fields);
+
+    /// From here on every edit belongs to one step, however long the hand rests: a drag on the timeline, a
+    /// slider that is held. A gesture within a gesture is part of it.
+    Q_INVOKABLE void beginGesture();
+    Q_INVOKABLE void endGesture();
+    /// Ends the gesture as if it had not been.
+    Q_INVOKABLE void cancelGesture();
+    bool inGesture() const { return gesture.has_value(); }
+
     /// The blocks in force: the project's own, else the automatic ones where they are on, else none.
     const std::vector<RecordCore::SpeedBlock>& speedBlocks() const;
     const std::vector<RecordCore::ZoomBlock>& zoomBlocks() const;
@@ -108,11 +133,18 @@ public:
     void addZoom(const RecordCore::TimeRange& range);
     void deleteSpeed(const RecordCore::Uuid& id);
     void deleteZoom(const RecordCore::Uuid& id);
+    /// Back to the automatic blocks.
+    Q_INVOKABLE void resetSpeedBlocks();
+    Q_INVOKABLE void resetZoomBlocks();
+    bool ownSpeedBlocks() const { return current.speedBlocks.has_value(); }
+    bool ownZoomBlocks() const { return current.zoomBlocks.has_value(); }
     void cut(const RecordCore::TimeRange& range);
     void restoreCuts(const RecordCore::TimeRange& range);
     std::vector<RecordCore::TimeRange> interiorCuts() const;
     int skippedCount() const;
     Q_INVOKABLE void split();
+    /// Takes back the split nearest to a time.
+    Q_INVOKABLE void removeSplit(double time);
     Q_INVOKABLE void markStart();
     Q_INVOKABLE void markEnd();
     Q_INVOKABLE void deleteSelection();
@@ -124,7 +156,10 @@ public:
     Q_INVOKABLE void addZoom(double start, double end);
     Q_INVOKABLE void cut(double start, double end);
     Q_INVOKABLE void restoreCuts(double start, double end);
+    /// An empty text takes the word out.
     Q_INVOKABLE void editCaption(int index, const QString& text);
+    /// Forgets the captions.
+    Q_INVOKABLE void removeCaptions();
 
     const Selection::Value& selection() const { return selected; }
     void select(const Selection::Value& selection);
@@ -162,7 +197,11 @@ public:
 
     /// Makes the film in a format (its stored value; the project's when empty). Ignored while one is being
     /// made.
-    Q_INVOKABLE void exportFilm(const QString& format = {}, double scale = 1, bool watermark = false);
+    Q_INVOKABLE void exportFilm(const QString& format = {}, double scale = 1, bool watermark = false,
+                                double fps = 60);
+    bool exportCancelling() const { return exportCancelled && exporting == ExportState::working; }
+    /// Whether a finished film is shown in the file viewer at once; off while several are made in a row.
+    bool revealsExported = true;
     Q_INVOKABLE void cancelExport();
     Q_INVOKABLE void copyExported();
     Q_INVOKABLE void revealExported();
@@ -215,9 +254,19 @@ private:
     QString exportedFileName() const { return QString::fromStdString(exported.string()); }
 
     OpenedRecording opened;
+    bool cameraThere = false;
     EditorParts parts;
     RecordCore::Project current;
     RecordCore::Plan currentPlan;
+    struct Gesture {
+        std::string key;
+        double begun = 0; ///< on the clock of the parts
+        int depth = 1;
+        RecordCore::Project before;
+        bool edited = false;
+    };
+    std::optional<Gesture> gesture;
+    int gestures = 0;
     EditHistory history;
     mutable AutomaticBlocks<RecordCore::SpeedBlock> autoSpeedCache;
     mutable AutomaticBlocks<RecordCore::ZoomBlock> autoZoomCache;

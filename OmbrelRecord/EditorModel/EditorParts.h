@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OmbrelRecord/AppModel/Desktop.h"
+#include "RecordCore/Media/MediaBackend.h"
 #include "RecordCore/Model/ExportOptions.h"
 #include "RecordCore/Planning/Plan.h"
 
@@ -48,6 +49,8 @@ struct ExportJob {
 
 /// What an editor works with; everything outlives it.
 struct EditorParts {
+    /// Where pictures and sound for the views come from; without it they show none.
+    const RecordCore::MediaBackend* media = nullptr;
     /// Seconds of a clock that never goes back.
     std::function<double()> now;
     Desktop* desktop = nullptr;

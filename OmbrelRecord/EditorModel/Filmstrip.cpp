@@ -1,0 +1,76 @@
+#include "OmbrelRecord/EditorModel/Filmstrip.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace OmbrelRecord {
+
+namespace {
+
+constexpr qsizetype memory = 32'000; ///< kilobytes of pictures kept
+constexpr double finest = 0.125;     ///< seconds between two pictures of level 0
+constexpr int coarsest = 20;
+
+} // namespace
+
+Filmstrip::Filmstrip(const RecordCore::MediaBackend& media, const std::filesystem::path& video,
+                     double duration, int height, QObject* parent) :
+    QObject(parent),
+    duration(duration), height(height), pictures(memory), grabber(media, video) {
+    connect(&grabber, &FrameGrabber::grabbed, this, [this](quint64 slot, const QImage& picture) {
+        if (picture.isNull())
+            unreadable.insert(slot);
+        else
+            pictures.insert(slot, new QImage(picture), std::max<qsizetype>(1, picture.sizeInBytes() / 1000));
+        if (slot >= shownFirst && slot <= shownLast) Q_EMIT changed();
+    });
+}
+
+int Filmstrip::levelFor(double seconds) {
+    if (!(seconds > finest)) return 0;
+    return std::min(coarsest, static_cast<int>(std::ceil(std::log2(seconds / finest) - 1e-9)));
+}
+
+double Filmstrip::distance(int level) {
+    return std::ldexp(finest, level);
+}
+
+quint64 Filmstrip::key(int level, qint64 slot) {
+    return static_cast<quint64>(level) << 40 | static_cast<quint64>(slot);
+}
+
+const QImage* Filmstrip::picture(int level, qint64 slot) const {
+    return pictures.object(key(level, slot));
+}
+
+const QImage* Filmstrip::standIn(int level, qint64 slot) const {
+    for (int other = level + 1; other <= std::min(level + 4, coarsest); ++other)
+        if (const QImage* image = picture(other, slot >> (other - level))) return image;
+    for (int other = level - 1; other >= std::max(level - 4, 0); --other)
+        if (const QImage* image = picture(other, slot << (level - other))) return image;
+    return nullptr;
+}
+
+void Filmstrip::show(int level, qint64 first, qint64 last) {
+    first = std::max<qint64>(first, 0);
+    last = std::min(last, static_cast<qint64>(duration / distance(level)));
+    shownFirst = key(level, first);
+    shownLast = key(level, std::max(first, last));
+    std::vector<FrameGrabber::Wanted> wanted;
+    const auto ask = [&](qint64 slot) {
+        const quint64 name = key(level, slot);
+        if (slot < 0 || pictures.contains(name) || unreadable.contains(name)) return;
+        const double time = static_cast<double>(slot) * distance(level);
+        if (time > duration) return;
+        wanted.push_back({name, time, height});
+    };
+    for (qint64 slot = first; slot <= last; ++slot)
+        ask(slot);
+    for (qint64 beyond = 1; beyond <= 4; ++beyond) {
+        ask(last + beyond);
+        ask(first - beyond);
+    }
+    grabber.want(std::move(wanted));
+}
+
+} // namespace OmbrelRecord

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "RecordCore/Media/MediaBackend.h"
+
+#include <QtCore/QObject>
+#include <QtGui/QImage>
+#include <condition_variable>
+#include <filesystem>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace OmbrelRecord {
+
+/// Decodes single pictures of a video, small, on a thread of its own. Main thread.
+class FrameGrabber : public QObject {
+    Q_OBJECT
+
+public:
+    struct Wanted {
+        quint64 key = 0; ///< the asker's own name for it
+        double time = 0; ///< source seconds
+        int height = 0;  ///< pixels; never enlarged
+    };
+
+    /// `media` must outlive the object.
+    FrameGrabber(const RecordCore::MediaBackend& media, std::filesystem::path video,
+                 QObject* parent = nullptr);
+    ~FrameGrabber() override;
+
+    /// What is wanted now, the most urgent first; what was asked for before and is not among it is forgotten.
+    void want(std::vector<Wanted> pictures);
+
+Q_SIGNALS:
+    /// `picture` is null where the video cannot be read.
+    void grabbed(quint64 key, const QImage& picture);
+
+private:
+    void run();
+
+    const RecordCore::MediaBackend& media;
+    const std::filesystem::path video;
+    std::mutex mutex;
+    std::condition_variable changed;
+    // Guarded by the mutex.
+    std::vector<Wanted> wanted; ///< the most urgent last
+    bool ending = false;
+    std::thread thread;
+};
+
+} // namespace OmbrelRecord

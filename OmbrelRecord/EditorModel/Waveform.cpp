@@ -1,0 +1,95 @@
+#include "OmbrelRecord/EditorModel/Waveform.h"
+
+#include <QtCore/QMetaObject>
+#include <algorithm>
+#include <cmath>
+
+namespace OmbrelRecord {
+
+using namespace RecordCore;
+
+namespace {
+
+constexpr std::size_t grain = 64;
+/// Handed over in pieces of this length: a line that grows visibly, yet not a signal for every packet.
+constexpr int pieceSeconds = 20;
+
+} // namespace
+
+Waveform::Waveform(const MediaBackend& media, const std::filesystem::path& video, double duration,
+                   QObject* parent) :
+    QObject(parent),
+    thread([this, &media, video, duration] { read(media, video, duration); }) {}
+
+Waveform::~Waveform() {
+    ending = true;
+    thread.join();
+}
+
+void Waveform::read(const MediaBackend& media, const std::filesystem::path& video, double duration) {
+    const auto hand = [this](std::vector<std::uint8_t> more, bool last) {
+        QMetaObject::invokeMethod(this, [this, more = std::move(more), last] { add(more, last); });
+    };
+    try {
+        const auto tracks = media.openSound(video);
+        const auto total = static_cast<std::int64_t>(std::ceil(std::max(duration, 0.0) * perSecond));
+        constexpr std::int64_t samples = soundRate / perSecond;
+        std::vector<float> sound(static_cast<std::size_t>(samples * perSecond * soundChannels));
+        std::vector<std::uint8_t> piece;
+        for (std::int64_t done = 0; done < total && !tracks.empty(); done += perSecond) {
+            if (ending) return;
+            std::vector<std::uint8_t> second(
+                static_cast<std::size_t>(std::min<std::int64_t>(perSecond, total - done)));
+            for (const auto& track : tracks) {
+                track->read(done * samples, sound);
+                for (std::size_t i = 0; i < second.size(); ++i) {
+                    float loudest = 0;
+                    const std::size_t from = i * samples * soundChannels;
+                    for (std::size_t j = from; j < from + samples * soundChannels; ++j)
+                        loudest = std::max(loudest, std::abs(sound[j]));
+                    const auto byte = static_cast<std::uint8_t>(std::lround(std::min(loudest, 1.0F) * 255));
+                    second[i] = std::max(second[i], byte);
+                }
+            }
+            piece.insert(piece.end(), second.begin(), second.end());
+            if (piece.size() < static_cast<std::size_t>(pieceSeconds * perSecond)) continue;
+            hand(std::move(piece), false);
+            piece.clear();
+        }
+        hand(std::move(piece), true);
+    } catch (const std::exception&) {
+        hand({}, true); // sound that cannot be read shows as silence
+    }
+}
+
+void Waveform::add(const std::vector<std::uint8_t>& more, bool last) {
+    peaks.insert(peaks.end(), more.begin(), more.end());
+    finished = last;
+    for (const std::uint8_t peak : more)
+        loudest = std::max(loudest, peak);
+    for (std::size_t i = coarse.size() * grain; i < peaks.size(); i += grain) {
+        // The last one may still grow.
+        if (i + grain > peaks.size() && !last) break;
+        coarse.push_back(*std::max_element(
+            peaks.begin() + static_cast<std::ptrdiff_t>(i),
+            peaks.begin() + static_cast<std::ptrdiff_t>(std::min(i + grain, peaks.size()))));
+    }
+    Q_EMIT changed();
+}
+
+double Waveform::peak(double from, double to) const {
+    if (peaks.empty() || !(to >= 0)) return 0;
+    const auto size = static_cast<double>(peaks.size());
+    const auto first = static_cast<std::size_t>(std::clamp(std::floor(from * perSecond), 0.0, size));
+    const auto last = static_cast<std::size_t>(
+        std::clamp(std::max(std::ceil(to * perSecond), std::floor(from * perSecond) + 1), 0.0, size));
+    std::uint8_t highest = 0;
+    for (std::size_t i = first; i < last;) {
+        const bool whole = i % grain == 0 && i + grain <= last && i / grain < coarse.size();
+        highest = std::max(highest, whole ? coarse[i / grain] : peaks[i]);
+        i += whole ? grain : 1;
+    }
+    return highest / 255.0;
+}
+
+} // namespace OmbrelRecord
