@@ -29,13 +29,16 @@ InputRecorder::Region InputRecorder::Region::of(const ScreenBackend& screen, con
 InputRecorder::InputRecorder(Region area, std::unique_ptr<InputSource> from, const HostClock& clock,
                              RecordingJournal* journal) :
     clock(clock),
-    journal(journal), source(std::move(from)), region(std::move(area)) {
-    if (region.bounds) refreshBounds();
-}
+    journal(journal), source(std::move(from)), region(std::move(area)) {}
 
 InputRecorder::~InputRecorder() {
+    join();
+}
+
+void InputRecorder::join() {
     if (!thread.joinable()) return;
     source->interrupt();
+    if (region.bounds) region.bounds->interrupt();
     thread.join();
 }
 
@@ -45,10 +48,7 @@ void InputRecorder::start() {
 }
 
 InputLog InputRecorder::stop(double origin) {
-    if (thread.joinable()) {
-        source->interrupt();
-        thread.join();
-    }
+    join();
     InputLog log = retimed(cursor, events, origin);
     log.keysTracked = source->seesKeys();
     return log;
@@ -56,6 +56,7 @@ InputLog InputRecorder::stop(double origin) {
 
 void InputRecorder::run() {
     pthread_setname_np(pthread_self(), "input");
+    if (region.bounds) refreshBounds();
     const double began = clock.now();
     double count = 1;
     while (source->wait(began + count / sampleRate, [this](InputSignal signal) { handle(signal); })) {

@@ -46,6 +46,7 @@ public:
 
 private:
     void run();
+    void join();
     void tick();
     void handle(InputSignal signal);
     void refreshBounds();

@@ -16,12 +16,14 @@ struct CapturedArea {
     bool operator==(const CapturedArea&) const = default;
 };
 
-/// Tells where the captured window is now. Used by one thread at a time.
+/// Tells where the captured window is now. Used by one thread.
 class WindowBounds {
 public:
     virtual ~WindowBounds() = default;
     /// None while it cannot be told (closed, minimised).
     virtual std::optional<CapturedArea> current() = 0;
+    /// Ends `current`, now and for good, whatever it waits for. From another thread.
+    virtual void interrupt() = 0;
 };
 
 } // namespace RecordCore

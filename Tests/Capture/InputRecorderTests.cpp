@@ -64,6 +64,7 @@ public:
         ++asked;
         return answer;
     }
+    void interrupt() override {} // it never waits
 
 private:
     std::vector<std::optional<CapturedArea>> answers;

@@ -17,8 +17,8 @@ std::size_t byteCount(const X11Grabber::Rect& rect) {
 
 X11Grabber::X11Grabber(const X11Connection& connection) : connection(connection) {
     if (connection.extension(xcb_shm_id) == nullptr) return;
-    const XcbReply<xcb_shm_query_version_reply_t> version(
-        xcb_shm_query_version_reply(connection.get(), xcb_shm_query_version(connection.get()), nullptr));
+    const auto version =
+        connection.reply<xcb_shm_query_version_reply_t>(xcb_shm_query_version(connection.get()));
     shared = version && (version->major_version > 1 || version->minor_version >= 2);
 }
 
@@ -51,9 +51,7 @@ void X11Grabber::reserve(std::size_t bytes) {
     }
     segment = xcb_generate_id(connection.get());
     // The library sends the descriptor and closes it. A connection over the network refuses here.
-    const auto cookie = xcb_shm_attach_fd_checked(connection.get(), segment, file, 0);
-    const XcbReply<xcb_generic_error_t> error(xcb_request_check(connection.get(), cookie));
-    if (error || connection.broken()) {
+    if (!connection.done(xcb_shm_attach_fd_checked(connection.get(), segment, file, 0))) {
         munmap(mapped, wanted);
         return;
     }
@@ -78,8 +76,7 @@ bool X11Grabber::fetch(xcb_drawable_t drawable, std::span<const Rect> rects,
                 connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, drawable, static_cast<std::int16_t>(rect.x),
                 static_cast<std::int16_t>(rect.y), static_cast<std::uint16_t>(rect.width),
                 static_cast<std::uint16_t>(rect.height), ~0U);
-            const XcbReply<xcb_get_image_reply_t> image(
-                xcb_get_image_reply(connection.get(), cookie, nullptr));
+            const auto image = connection.reply<xcb_get_image_reply_t>(cookie);
             if (image && static_cast<std::size_t>(xcb_get_image_data_length(image.get())) >= byteCount(rect))
                 use(rect, view(rect, xcb_get_image_data(image.get())));
             else
@@ -98,8 +95,7 @@ bool X11Grabber::fetch(xcb_drawable_t drawable, std::span<const Rect> rects,
     }
     offset = 0;
     for (std::size_t i = 0; i < rects.size(); ++i) {
-        const XcbReply<xcb_shm_get_image_reply_t> image(
-            xcb_shm_get_image_reply(connection.get(), cookies[i], nullptr));
+        const auto image = connection.reply<xcb_shm_get_image_reply_t>(cookies[i]);
         if (image && image->size >= byteCount(rects[i]))
             use(rects[i], view(rects[i], memory + offset));
         else

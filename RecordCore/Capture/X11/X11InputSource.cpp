@@ -28,8 +28,8 @@ X11InputSource::X11InputSource() {
     if (const auto* input = presses.extension(xcb_input_id)) {
         opcode = input->major_opcode;
         for (const X11Connection* connection : {&presses, &motions}) {
-            const XcbReply<xcb_input_xi_query_version_reply_t> version(xcb_input_xi_query_version_reply(
-                connection->get(), xcb_input_xi_query_version(connection->get(), 2, 2), nullptr));
+            const auto version = connection->reply<xcb_input_xi_query_version_reply_t>(
+                xcb_input_xi_query_version(connection->get(), 2, 2));
             observes = version && version->major_version >= 2;
         }
     }
@@ -39,6 +39,8 @@ X11InputSource::X11InputSource() {
     }
     wake = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     if (wake < 0) throw RecordingError("too many open files");
+    presses.waitUntilCut();
+    motions.waitUntilCut();
 }
 
 X11InputSource::~X11InputSource() {
@@ -52,8 +54,8 @@ void X11InputSource::select(const X11Connection& to, std::uint32_t mask) const {
 }
 
 std::optional<ScreenPoint> X11InputSource::pointer() {
-    const XcbReply<xcb_query_pointer_reply_t> reply(
-        xcb_query_pointer_reply(presses.get(), xcb_query_pointer(presses.get(), presses.root()), nullptr));
+    const auto reply =
+        presses.reply<xcb_query_pointer_reply_t>(xcb_query_pointer(presses.get(), presses.root()));
     if (!reply || reply->same_screen == 0) return std::nullopt;
     return ScreenPoint{static_cast<double>(reply->root_x), static_cast<double>(reply->root_y)};
 }
@@ -136,8 +138,8 @@ bool X11InputSource::isScroll(const xcb_input_raw_motion_event_t& motion) {
 
 void X11InputSource::learnScrollAxes(std::uint16_t device) {
     std::vector<std::uint16_t>& axes = scrollAxes[device];
-    const XcbReply<xcb_input_xi_query_device_reply_t> reply(xcb_input_xi_query_device_reply(
-        motions.get(), xcb_input_xi_query_device(motions.get(), device), nullptr));
+    const auto reply =
+        motions.reply<xcb_input_xi_query_device_reply_t>(xcb_input_xi_query_device(motions.get(), device));
     if (!reply) return;
     for (auto info = xcb_input_xi_query_device_infos_iterator(reply.get()); info.rem > 0;
          xcb_input_xi_device_info_next(&info)) {

@@ -52,8 +52,7 @@ void X11ScreenBackend::activate(std::uint32_t windowId) const {
                    XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
                    reinterpret_cast<const char*>(&message));
     // Disconnecting throws away what was not sent; a reply proves that everything before it arrived.
-    const XcbReply<xcb_get_input_focus_reply_t> sync(
-        xcb_get_input_focus_reply(connection.get(), xcb_get_input_focus(connection.get()), nullptr));
+    connection.sync();
 }
 
 } // namespace RecordCore

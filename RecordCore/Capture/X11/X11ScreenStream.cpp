@@ -25,8 +25,8 @@ constexpr int closedGap = 2; // blocks
 
 /// A monitor may be declared larger than the screen that holds it; only what exists can be fetched.
 X11Grabber::Rect withinRoot(const X11Connection& connection, const ScreenRect& frame) {
-    const XcbReply<xcb_get_geometry_reply_t> root(xcb_get_geometry_reply(
-        connection.get(), xcb_get_geometry(connection.get(), connection.root()), nullptr));
+    const auto root =
+        connection.reply<xcb_get_geometry_reply_t>(xcb_get_geometry(connection.get(), connection.root()));
     if (!root) return {};
     const int left = std::max(static_cast<int>(frame.x), 0);
     const int top = std::max(static_cast<int>(frame.y), 0);
@@ -42,10 +42,8 @@ X11ScreenStream::X11ScreenStream(const ScreenSource& source, int fps) : grabber(
     damageEvent = connection.require(xcb_damage_id, "DAMAGE").first_event;
     connection.require(xcb_xfixes_id, "XFIXES");
     // A client may use these extensions only after it has said which version it speaks.
-    const XcbReply<xcb_damage_query_version_reply_t> damageVersion(
-        xcb_damage_query_version_reply(c, xcb_damage_query_version(c, 1, 1), nullptr));
-    const XcbReply<xcb_xfixes_query_version_reply_t> fixesVersion(
-        xcb_xfixes_query_version_reply(c, xcb_xfixes_query_version(c, 5, 0), nullptr));
+    connection.reply<xcb_damage_query_version_reply_t>(xcb_damage_query_version(c, 1, 1));
+    connection.reply<xcb_xfixes_query_version_reply_t>(xcb_xfixes_query_version(c, 5, 0));
     if (const auto* randr = connection.extension(xcb_randr_id)) {
         hasRandr = true;
         randrEvent = randr->first_event;
@@ -88,8 +86,7 @@ void X11ScreenStream::openWindow(std::uint32_t id) {
     frameExtents = connection.atom("_GTK_FRAME_EXTENTS");
     xcb_connection_t* c = connection.get();
     connection.require(xcb_composite_id, "Composite");
-    const XcbReply<xcb_composite_query_version_reply_t> version(
-        xcb_composite_query_version_reply(c, xcb_composite_query_version(c, 0, 4), nullptr));
+    connection.reply<xcb_composite_query_version_reply_t>(xcb_composite_query_version(c, 0, 4));
     const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
     xcb_change_window_attributes(c, client, XCB_CW_EVENT_MASK, &mask);
     refreshWindow();
@@ -110,6 +107,7 @@ void X11ScreenStream::preparePicture(int contentWidth, int contentHeight) {
 
 void X11ScreenStream::start(Handlers to) {
     handlers = std::move(to);
+    connection.waitUntilCut();
     thread = std::thread([this] { run(); });
 }
 
@@ -122,7 +120,7 @@ void X11ScreenStream::stop() {
     using namespace std::chrono_literals;
     for (int i = 0; i < 1000 && !finished; ++i)
         std::this_thread::sleep_for(1ms);
-    if (!finished) connection.cut();
+    connection.cut(); // also when it has ended: nothing that is cleaned up later can wait then
     thread.join();
 }
 
@@ -279,10 +277,9 @@ void X11ScreenStream::refreshWindow() {
 void X11ScreenStream::namePixmap() {
     xcb_connection_t* c = connection.get();
     const xcb_pixmap_t fresh = xcb_generate_id(c);
-    const auto cookie = xcb_composite_name_window_pixmap_checked(c, place->frame, fresh);
-    const XcbReply<xcb_generic_error_t> error(xcb_request_check(c, cookie));
+    const bool named = connection.done(xcb_composite_name_window_pixmap_checked(c, place->frame, fresh));
     if (pixmap != 0) xcb_free_pixmap(c, pixmap);
-    pixmap = error ? 0 : fresh;
+    pixmap = named ? fresh : 0;
     drawable = pixmap;
     if (picture.width() != 0) damaged.markAll();
     dirty = true;
@@ -302,8 +299,7 @@ void X11ScreenStream::setContent(int x, int y, int width, int height) {
 void X11ScreenStream::collectDamage() {
     xcb_connection_t* c = connection.get();
     xcb_damage_subtract(c, damage, XCB_XFIXES_REGION_NONE, region);
-    const XcbReply<xcb_xfixes_fetch_region_reply_t> reply(
-        xcb_xfixes_fetch_region_reply(c, xcb_xfixes_fetch_region(c, region), nullptr));
+    const auto reply = connection.reply<xcb_xfixes_fetch_region_reply_t>(xcb_xfixes_fetch_region(c, region));
     if (!reply) return;
     const xcb_rectangle_t* rectangles = xcb_xfixes_fetch_region_rectangles(reply.get());
     const int count = xcb_xfixes_fetch_region_rectangles_length(reply.get());

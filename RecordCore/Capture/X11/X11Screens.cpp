@@ -11,8 +11,7 @@ namespace {
 
 std::string atomName(const X11Connection& connection, xcb_atom_t atom) {
     const auto cookie = xcb_get_atom_name(connection.get(), atom);
-    const XcbReply<xcb_get_atom_name_reply_t> reply(
-        xcb_get_atom_name_reply(connection.get(), cookie, nullptr));
+    const auto reply = connection.reply<xcb_get_atom_name_reply_t>(cookie);
     if (!reply) return {};
     return {xcb_get_atom_name_name(reply.get()),
             static_cast<std::size_t>(xcb_get_atom_name_name_length(reply.get()))};
@@ -21,8 +20,7 @@ std::string atomName(const X11Connection& connection, xcb_atom_t atom) {
 bool hasMonitors(const X11Connection& connection) {
     if (connection.extension(xcb_randr_id) == nullptr) return false;
     const auto cookie = xcb_randr_query_version(connection.get(), 1, 5);
-    const XcbReply<xcb_randr_query_version_reply_t> version(
-        xcb_randr_query_version_reply(connection.get(), cookie, nullptr));
+    const auto version = connection.reply<xcb_randr_query_version_reply_t>(cookie);
     return version && (version->major_version > 1 || version->minor_version >= 5);
 }
 
@@ -56,7 +54,7 @@ struct WindowAtoms {
 
 std::vector<xcb_window_t> childrenOf(const X11Connection& connection, xcb_window_t window) {
     const auto cookie = xcb_query_tree(connection.get(), window);
-    const XcbReply<xcb_query_tree_reply_t> tree(xcb_query_tree_reply(connection.get(), cookie, nullptr));
+    const auto tree = connection.reply<xcb_query_tree_reply_t>(cookie);
     if (!tree) return {};
     const xcb_window_t* first = xcb_query_tree_children(tree.get());
     return {first, first + xcb_query_tree_children_length(tree.get())};
@@ -69,8 +67,7 @@ std::vector<xcb_window_t> clientWindows(const X11Connection& connection, const W
     if (!clients.empty()) return clients;
     for (const xcb_window_t child : childrenOf(connection, connection.root())) {
         const auto cookie = xcb_get_window_attributes(connection.get(), child);
-        const XcbReply<xcb_get_window_attributes_reply_t> attributes(
-            xcb_get_window_attributes_reply(connection.get(), cookie, nullptr));
+        const auto attributes = connection.reply<xcb_get_window_attributes_reply_t>(cookie);
         if (attributes && attributes->_class == XCB_WINDOW_CLASS_INPUT_OUTPUT &&
             attributes->override_redirect == 0 && attributes->map_state == XCB_MAP_STATE_VIEWABLE)
             clients.push_back(child);
@@ -84,8 +81,7 @@ std::vector<DisplayInfo> x11Displays(const X11Connection& connection) {
     std::vector<DisplayInfo> displays;
     if (hasMonitors(connection)) {
         const auto cookie = xcb_randr_get_monitors(connection.get(), connection.root(), 1);
-        const XcbReply<xcb_randr_get_monitors_reply_t> reply(
-            xcb_randr_get_monitors_reply(connection.get(), cookie, nullptr));
+        const auto reply = connection.reply<xcb_randr_get_monitors_reply_t>(cookie);
         if (reply) {
             for (auto monitor = xcb_randr_get_monitors_monitors_iterator(reply.get()); monitor.rem > 0;
                  xcb_randr_monitor_info_next(&monitor)) {
@@ -122,8 +118,7 @@ std::optional<X11WindowPlace> x11WindowPlace(const X11Connection& connection, xc
     X11WindowPlace place;
     place.frame = client;
     for (;;) {
-        const XcbReply<xcb_query_tree_reply_t> tree(
-            xcb_query_tree_reply(c, xcb_query_tree(c, place.frame), nullptr));
+        const auto tree = connection.reply<xcb_query_tree_reply_t>(xcb_query_tree(c, place.frame));
         if (!tree || tree->parent == XCB_WINDOW_NONE) return std::nullopt;
         if (tree->parent == tree->root) break;
         place.frame = tree->parent;
@@ -132,12 +127,10 @@ std::optional<X11WindowPlace> x11WindowPlace(const X11Connection& connection, xc
     const auto attributesCookie = xcb_get_window_attributes(c, client);
     const auto clientCookie = xcb_get_geometry(c, client);
     const auto cornerCookie = xcb_translate_coordinates(c, client, place.frame, 0, 0);
-    const XcbReply<xcb_get_geometry_reply_t> frame(xcb_get_geometry_reply(c, frameCookie, nullptr));
-    const XcbReply<xcb_get_window_attributes_reply_t> attributes(
-        xcb_get_window_attributes_reply(c, attributesCookie, nullptr));
-    const XcbReply<xcb_get_geometry_reply_t> inner(xcb_get_geometry_reply(c, clientCookie, nullptr));
-    const XcbReply<xcb_translate_coordinates_reply_t> corner(
-        xcb_translate_coordinates_reply(c, cornerCookie, nullptr));
+    const auto frame = connection.reply<xcb_get_geometry_reply_t>(frameCookie);
+    const auto attributes = connection.reply<xcb_get_window_attributes_reply_t>(attributesCookie);
+    const auto inner = connection.reply<xcb_get_geometry_reply_t>(clientCookie);
+    const auto corner = connection.reply<xcb_translate_coordinates_reply_t>(cornerCookie);
     if (!frame || !attributes || !inner || !corner) return std::nullopt;
 
     place.borderWidth = frame->border_width;

@@ -6,7 +6,13 @@ namespace RecordCore {
 
 X11WindowBounds::X11WindowBounds(std::uint32_t window, int pictureWidth, int pictureHeight) :
     window(window), pictureWidth(pictureWidth), pictureHeight(pictureHeight),
-    frameExtents(connection.atom("_GTK_FRAME_EXTENTS")) {}
+    frameExtents(connection.atom("_GTK_FRAME_EXTENTS")) {
+    connection.waitUntilCut();
+}
+
+void X11WindowBounds::interrupt() {
+    connection.cut();
+}
 
 std::optional<CapturedArea> X11WindowBounds::current() {
     const auto place = x11WindowPlace(connection, window, frameExtents);

@@ -10,6 +10,7 @@ class X11WindowBounds final : public WindowBounds {
 public:
     X11WindowBounds(std::uint32_t window, int pictureWidth, int pictureHeight);
     std::optional<CapturedArea> current() override;
+    void interrupt() override;
 
 private:
     X11Connection connection;
