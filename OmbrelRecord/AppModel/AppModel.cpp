@@ -224,7 +224,9 @@ void AppModel::take(ShareableContent fresh) {
         chosenDisplay = content.displays.empty() ? 0 : content.displays.front().id;
     if (const WindowInfo* window = withId(content.windows, chosenWindow)) target = *window;
     updateWindows(content.windows);
-    if (changed) Q_EMIT sourcesChanged();
+    if (!changed) return;
+    Q_EMIT sourcesChanged();
+    capturePreview();
 }
 
 void AppModel::updateWindows(const std::vector<WindowInfo>& shareable) {
@@ -550,8 +552,9 @@ void AppModel::started(const RecordingRun::Started& result) {
 }
 
 void AppModel::startFailed(const std::string& description) {
+    // It goes last: it holds what called this.
+    const std::unique_ptr<RecordingRun> failed = std::move(run);
     log(fmt::format("record: failed {}", description));
-    run.reset();
     // Nothing was recorded: an empty folder would only be in the way. Another one stays.
     std::error_code ignored;
     if (!folder.empty()) fs::remove(folder, ignored);
@@ -591,7 +594,7 @@ void AppModel::stopRecording() {
 
 void AppModel::stopped(RecordingRun::Stopped result) {
     if (state != Flow::saving) return;
-    run.reset();
+    const std::unique_ptr<RecordingRun> ended = std::move(run);
     if (!result.failure.empty()) {
         log(fmt::format("record: save failed {}", result.failure));
         std::error_code ignored;
@@ -630,7 +633,7 @@ void AppModel::discard() {
     log(fmt::format("record: discarded after {:.0f} s", std::floor(elapsedTime)));
     enter(Flow::discarding);
     run->stop(whileAlive(this, [this](const RecordingRun::Stopped&) {
-        run.reset();
+        const std::unique_ptr<RecordingRun> ended = std::move(run);
         std::error_code ignored;
         fs::remove_all(folder, ignored);
         refreshRecents();

@@ -1,0 +1,577 @@
+#include "Tests/AppModel/ScriptedApp.h"
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace ScriptedApp;
+using Flow = AppModel::Flow;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr auto windowGone = "That window has closed. Pick another one, or a whole screen.";
+
+/// One way through the flow: what happens, and what it leaves.
+struct Way {
+    const char* name;
+    std::function<void(Stage&)> happens;
+    Flow end;
+    std::string problem;
+    Trace log;
+    Trace trace; ///< what the parts were told, in order
+};
+
+const Trace startLine{"record: start (window none, camera false, mic false, sound false)"};
+Trace started(Trace more) {
+    Trace lines = startLine;
+    lines.push_back("record: countdown done, folder F");
+    lines.insert(lines.end(), more.begin(), more.end());
+    return lines;
+}
+
+const std::vector<Way>& ways() {
+    static const std::vector<Way> table{
+        {"no screen access, and no page of settings to open",
+         [](Stage& stage) {
+             stage.sources.access = stage.sources.grants = false;
+             stage.model->startRecording();
+         },
+         Flow::home,
+         "Ombrel Record can't see this screen. Log in to a desktop session, allow screen recording when it "
+         "asks, and try again.",
+         {"record: no screen access"},
+         {"ask for the screen"}},
+        {"no screen access, granted when asked: record has to be pressed again",
+         [](Stage& stage) {
+             stage.sources.access = false;
+             stage.model->startRecording();
+         },
+         Flow::home,
+         "",
+         {"record: no screen access"},
+         {"ask for the screen"}},
+        {"no display",
+         [](Stage& stage) {
+             stage.sources.content.displays.clear();
+             stage.model->startRecording();
+         },
+         Flow::home,
+         "No display to record.",
+         startLine,
+         {}},
+        {"a display that is gone: the first one is recorded",
+         [](Stage& stage) {
+             stage.model->chooseDisplay(1234);
+             stage.record();
+             ASSERT_EQ(stage.setup.source, RecordCore::ScreenSource(RecordCore::DisplaySource{7}));
+         },
+         Flow::recording,
+         "",
+         started({"record: capturing"}),
+         {"hide", "start"}},
+        {"the window has closed before",
+         [](Stage& stage) {
+             stage.model->chooseWindow(50);
+             stage.sources.content.windows.clear();
+             stage.model->startRecording();
+         },
+         Flow::home,
+         windowGone,
+         {"record: start (window 50, camera false, mic false, sound false)"},
+         {}},
+        {"the window closes while the countdown runs",
+         [](Stage& stage) {
+             stage.model->chooseWindow(50);
+             stage.model->startRecording();
+             stage.clock.advance(1);
+             EXPECT_EQ(stage.model->recordedFrame(), QRect(1920, 0, 1280, 1024)); // the one that holds it
+             stage.sources.content.windows.clear();
+             stage.clock.advance(2);
+             EXPECT_EQ(stage.model->windowID(), 0U);
+         },
+         Flow::home,
+         windowGone,
+         {"record: start (window 50, camera false, mic false, sound false)", "window: shown home"},
+         {"activate 50", "hide", "show"}},
+        {"the hot key while the countdown runs",
+         [](Stage& stage) {
+             stage.model->startRecording();
+             stage.clock.advance(1);
+             stage.hotKey.onPressed();
+             stage.clock.advance(1.4);
+             stage.run->startDone({});
+         },
+         Flow::recording,
+         "",
+         started({"record: capturing"}),
+         {"hide", "start"}},
+        {"the folder cannot be made",
+         [](Stage& stage) {
+             std::ofstream(stage.folder / "Videos") << "a file";
+             stage.count();
+             stage.model->dismissProblem(); // its words are the file system's
+         },
+         Flow::home,
+         "",
+         Trace{},
+         {"hide", "show"}},
+        {"a recorder cannot be made",
+         [](Stage& stage) {
+             stage.makeFailure = "no encoder";
+             stage.count();
+         },
+         Flow::home,
+         "Couldn't start recording: no encoder",
+         started({"record: failed no encoder", "window: shown home"}),
+         {"hide", "show"}},
+        {"the recorders do not start; what was shown before comes back",
+         [](Stage& stage) {
+             stage.model->toggleCamera();
+             stage.model->toggleMicrophone();
+             stage.count();
+             stage.run->startDone({"the disk is full", ""});
+             EXPECT_FALSE(fs::exists(stage.runFolder));
+         },
+         Flow::home,
+         "Couldn't start recording: the disk is full",
+         {"record: start (window none, camera true, mic true, sound false)",
+          "record: countdown done, folder F", "record: microphone Desk", "record: failed the disk is full",
+          "window: shown home"},
+         {"camera preview on", "meter on", "hide", "meter off", "camera preview off", "start",
+          "camera preview on", "meter on", "show"}},
+        {"the camera does not start",
+         [](Stage& stage) {
+             stage.model->toggleCamera();
+             stage.count();
+             stage.run->startDone(
+                 {"", "The camera couldn't start, so this recording has no camera: camera busy"});
+         },
+         Flow::recording,
+         "The camera couldn't start, so this recording has no camera: camera busy",
+         {"record: start (window none, camera true, mic false, sound false)",
+          "record: countdown done, folder F", "record: capturing"},
+         {"camera preview on", "hide", "camera preview off", "start"}},
+        {"a computer without a microphone records all the same",
+         [](Stage& stage) {
+             stage.model->toggleMicrophone();
+             stage.sound.devices.clear();
+             stage.record();
+             EXPECT_FALSE(stage.setup.microphone);
+         },
+         Flow::recording,
+         "",
+         {"record: start (window none, camera false, mic true, sound false)",
+          "record: countdown done, folder F", "record: microphone No microphone", "record: capturing"},
+         {"meter on", "hide", "meter off", "start"}},
+        {"stopped by the hot key",
+         [](Stage& stage) {
+             stage.record();
+             stage.clock.advance(61.9);
+             stage.hotKey.onPressed();
+             EXPECT_EQ(stage.model->workingMessage(), QStringLiteral("Finishing the recording…"));
+         },
+         Flow::saving,
+         "",
+         started({"record: capturing", "record: stop after 61 s", "window: shown working"}),
+         {"hide", "start", "show", "stop"}},
+        {"the stream ends by itself: what there is, is kept",
+         [](Stage& stage) {
+             stage.record();
+             stage.run->onEnd("the window was closed");
+         },
+         Flow::saving,
+         "Recording stopped: the window was closed",
+         started({"record: capturing", "record: stop after 0 s", "window: shown working"}),
+         {"hide", "start", "show", "stop"}},
+        {"the stream ends before its start was reported",
+         [](Stage& stage) {
+             stage.count();
+             stage.run->onEnd("the disk is full");
+             EXPECT_EQ(stage.model->flow(), Flow::preparing);
+             stage.run->startDone({});
+         },
+         Flow::saving,
+         "Recording stopped: the disk is full",
+         started({"record: capturing", "record: stop after 0 s", "window: shown working"}),
+         {"hide", "start", "show", "stop"}},
+        {"no frame came: it cannot be saved",
+         [](Stage& stage) {
+             stage.record();
+             stage.model->stopRecording();
+             stage.run->stopDone({"no frames were captured", "", {}});
+             EXPECT_FALSE(fs::exists(stage.runFolder));
+         },
+         Flow::home,
+         "The recording couldn't be saved: no frames were captured",
+         started({"record: capturing", "record: stop after 0 s", "window: shown working",
+                  "record: save failed no frames were captured"}),
+         {"hide", "start", "show", "stop"}},
+        {"a second press while it is being saved",
+         [](Stage& stage) {
+             stage.record();
+             stage.model->stopRecording();
+             stage.model->stopRecording();
+             stage.hotKey.onPressed();
+             stage.model->discardRecording();
+             EXPECT_THAT(stage.model->question(), IsEmpty());
+         },
+         Flow::saving,
+         "",
+         started({"record: capturing", "record: stop after 0 s", "window: shown working"}),
+         {"hide", "start", "show", "stop"}},
+        {"it cannot be opened",
+         [](Stage& stage) {
+             stage.record();
+             stage.model->stopRecording();
+             stage.run->stopDone({});
+             stage.loadDone(nullptr, "no video in it");
+         },
+         Flow::home,
+         "Couldn't open that video: no video in it",
+         started({"record: capturing", "record: stop after 0 s", "window: shown working",
+                  "record: saved, opening the editor", "editor: loading F", "editor: failed no video in it"}),
+         {"hide", "start", "show", "stop"}},
+        {"discarded",
+         [](Stage& stage) {
+             stage.model->toggleCamera();
+             stage.record();
+             stage.writeFiles();
+             stage.clock.advance(75.2);
+             stage.model->discardRecording();
+             EXPECT_EQ(stage.model->question()[QStringLiteral("title")],
+                       QStringLiteral("Discard this recording?"));
+             EXPECT_EQ(
+                 stage.model->question()[QStringLiteral("text")],
+                 QStringLiteral(
+                     "The 1:15 recorded so far will be deleted. Recording continues while you decide."));
+             EXPECT_EQ(stage.model->question()[QStringLiteral("buttons")].toStringList(),
+                       QStringList({QStringLiteral("Discard"), QStringLiteral("Keep Recording")}));
+             stage.clock.advance(2);
+             stage.model->answer(0);
+             EXPECT_EQ(stage.model->screen(), AppModel::Screen::home);
+             stage.model->startRecording(); // not before the recorders have ended
+             stage.run->stopDone({});
+             EXPECT_FALSE(fs::exists(stage.runFolder));
+         },
+         Flow::home,
+         "",
+         {"record: start (window none, camera true, mic false, sound false)",
+          "record: countdown done, folder F", "record: capturing", "record: discarded after 77 s",
+          "window: shown home"},
+         {"camera preview on", "hide", "camera preview off", "start", "stop", "show", "camera preview on"}},
+        {"discard, answered with Keep Recording",
+         [](Stage& stage) {
+             stage.record();
+             stage.model->discardRecording();
+             stage.model->answer(1);
+             EXPECT_THAT(stage.model->question(), IsEmpty());
+             stage.clock.advance(3);
+             EXPECT_DOUBLE_EQ(stage.model->elapsed(), 3);
+         },
+         Flow::recording,
+         "",
+         started({"record: capturing"}),
+         {"hide", "start"}},
+        {"the recording ends by itself while discarding is being thought over",
+         [](Stage& stage) {
+             stage.record();
+             stage.model->discardRecording();
+             stage.run->onEnd("the disk is full");
+             EXPECT_THAT(stage.model->question(), IsEmpty());
+             stage.model->answer(0);
+         },
+         Flow::saving,
+         "Recording stopped: the disk is full",
+         started({"record: capturing", "record: stop after 0 s", "window: shown working"}),
+         {"hide", "start", "show", "stop"}},
+        {"the hot key in the editor: it is left first",
+         [](Stage& stage) {
+             stage.model->open(stage.folder / "a.mp4", {}, stage.folder.path());
+             stage.loadDone(stage.editorOf(stage.folder.path()), "");
+             ASSERT_NE(stage.model->editor(), nullptr);
+             stage.lines.clear();
+             stage.trace.clear();
+             stage.hotKey.onPressed();
+             EXPECT_EQ(stage.model->editor(), nullptr);
+             stage.clock.advance(0);
+         },
+         Flow::counting,
+         "",
+         startLine,
+         {"hide"}},
+    };
+    return table;
+}
+
+TEST(AppModel, EveryWayThroughTheFlowLeavesWhatItShould) {
+    for (const Way& way : ways()) {
+        SCOPED_TRACE(way.name);
+        Stage stage;
+        stage.open();
+        way.happens(stage);
+        stage.clock.advance(0);
+        EXPECT_EQ(stage.model->flow(), way.end);
+        EXPECT_EQ(stage.model->problem().toStdString(), way.problem);
+        EXPECT_EQ(stage.model->isRecording(), way.end == Flow::recording);
+        if (!way.log.empty()) {
+            EXPECT_EQ(stage.lines, way.log);
+        }
+        EXPECT_EQ(stage.trace, way.trace);
+    }
+}
+
+TEST(AppModel, ARecordingFromTheButtonToTheEditor) {
+    Stage stage;
+    AppModel& model = stage.open();
+    Trace seen;
+    const auto note = [&](const std::string& what) {
+        seen.push_back(fmt::format("{:.2f} {}", stage.clock.now() - 100, what));
+    };
+    QObject::connect(&model, &AppModel::countdownChanged,
+                     [&] { note(fmt::format("count {}", model.countdown())); });
+    QObject::connect(&model, &AppModel::elapsedChanged,
+                     [&] { note("elapsed " + model.elapsedText().toStdString()); });
+    model.setSystemAudio(true);
+    model.startRecording();
+    stage.clock.advance(2.4);
+    EXPECT_EQ(model.recordedFrame(), QRect(0, 0, 1920, 1080));
+    ASSERT_TRUE(stage.run);
+    EXPECT_TRUE(model.starting());
+    EXPECT_TRUE(stage.setup.systemAudio);
+    EXPECT_EQ(stage.setup.fps, 60);
+    EXPECT_TRUE(fs::is_directory(stage.runFolder));
+    stage.run->startDone({});
+    EXPECT_FALSE(model.starting());
+    stage.clock.advance(0.6);
+    EXPECT_EQ(seen,
+              (Trace{"0.00 count 3", "0.80 count 2", "1.60 count 1", "2.40 count 0", "2.40 elapsed 0:00",
+                     "2.40 elapsed 0:00", "2.65 elapsed 0:00", "2.90 elapsed 0:00"}));
+    stage.writeFiles();
+    model.stopRecording();
+    EXPECT_EQ(model.screen(), AppModel::Screen::working);
+    RecordCore::InputLog log;
+    log.cameraOffset = 0.25;
+    stage.run->stopDone({"", "", log});
+    EXPECT_EQ(model.recents()->count(), 1);
+    EXPECT_EQ(stage.loadedVideo, stage.runFolder / "recording.mp4");
+    EXPECT_EQ(stage.loadedFolder, stage.runFolder);
+    EXPECT_EQ(stage.loadedLog, log);
+    EXPECT_EQ(model.workingMessage(), QStringLiteral("Watching your recording…"));
+    stage.loadProgress(0.999);
+    EXPECT_EQ(model.workingMessage(), QStringLiteral("Watching your recording… 99%"));
+    stage.loadDone(stage.editorOf(stage.runFolder), "");
+    EXPECT_EQ(model.screen(), AppModel::Screen::editor);
+    ASSERT_NE(model.editor(), nullptr);
+    EXPECT_EQ(stage.lines.back(), "editor: open");
+    model.backHome();
+    EXPECT_EQ(model.screen(), AppModel::Screen::home);
+    EXPECT_EQ(model.editor(), nullptr);
+}
+
+TEST(AppModel, WindowsAreListedAsTheUserKnowsThem) {
+    Stage stage;
+    AppModel& model = stage.open();
+    int published = 0;
+    QObject::connect(&model, &AppModel::sourcesChanged, [&] { ++published; });
+    const auto show = [&](std::vector<WindowInfo> windows) {
+        published = 0;
+        model.updateWindows(windows);
+        return published;
+    };
+    auto moved = Stage::window(50, "Editor", "notes.txt", {5, 5, 640, 480});
+    EXPECT_EQ(show({moved}), 0); // neither an id nor a title has changed
+    moved.title = "other.txt";
+    EXPECT_EQ(show({moved}), 1);
+    EXPECT_EQ(show({Stage::window(3, "Zoo", "b"), moved, Stage::window(4, "Zoo", "a")}), 1);
+    std::vector<quint32> ids;
+    for (const WindowInfo& window : model.windows())
+        ids.push_back(window.id);
+    EXPECT_THAT(ids, ElementsAre(50, 4, 3));
+
+    EXPECT_EQ(model.targetName(), QStringLiteral("Left"));
+    model.chooseDisplay(9);
+    EXPECT_EQ(model.targetName(), QStringLiteral("Display 9"));
+    model.chooseWindow(50);
+    EXPECT_EQ(model.targetName(), QStringLiteral("Editor · notes.txt"));
+    EXPECT_EQ(model.screen({1900, 500, 100, 100})->id, 9U); // its centre counts
+    model.chooseDisplay(7);
+    EXPECT_EQ(model.windowID(), 0U);
+    stage.sources.content.displays.clear();
+    model.refreshDisplays();
+    stage.clock.advance(0);
+    EXPECT_EQ(model.targetName(), QStringLiteral("Choose a screen"));
+}
+
+TEST(AppModel, ThePreviewFollowsTheSourceWhileTheHomeScreenShows) {
+    Stage stage;
+    AppModel& model = stage.open();
+    EXPECT_EQ(model.livePreviewRevision(), 1);
+    stage.clock.advance(1.2);
+    stage.clock.advance(1.2);
+    EXPECT_EQ(model.livePreviewRevision(), 3);
+    model.chooseWindow(50); // shown at once, and the rhythm starts anew
+    stage.clock.advance(1.1);
+    EXPECT_EQ(model.livePreviewRevision(), 4);
+    EXPECT_EQ(stage.sources.stills.back(), RecordCore::ScreenSource(RecordCore::WindowSource{50}));
+    stage.record();
+    const std::size_t stills = stage.sources.stills.size();
+    stage.clock.advance(10);
+    EXPECT_EQ(stage.sources.stills.size(), stills);
+    model.discardRecording();
+    model.answer(0);
+    stage.run->stopDone({});
+    stage.clock.advance(1.2);
+    EXPECT_EQ(stage.sources.stills.size(), stills + 1);
+    model.stopLivePreview();
+    stage.clock.advance(10);
+    EXPECT_EQ(stage.sources.stills.size(), stills + 1);
+}
+
+TEST(AppModel, PermissionsAreAskedForAndToldWhenDenied) {
+    Stage stage;
+    stage.sources.keys = false;
+    AppModel& model = stage.open();
+    stage.permissions.microphone = stage.permissions.camera = false;
+    model.toggleMicrophone();
+    EXPECT_EQ(model.problem(),
+              QStringLiteral("Ombrel Record can't use the microphone. Turn it on in Settings → "
+                             "Privacy → Microphone."));
+    model.toggleCamera();
+    EXPECT_EQ(
+        model.problem(),
+        QStringLiteral("Ombrel Record can't use the camera. Turn it on in Settings → Privacy → Camera."));
+    EXPECT_FALSE(model.microphone() || model.camera());
+    EXPECT_THAT(stage.trace, IsEmpty());
+    stage.permissions.microphone = stage.permissions.camera = true;
+    model.toggleMicrophone();
+    model.toggleCamera();
+    model.toggleMicrophone();
+    model.toggleCamera();
+    EXPECT_THAT(stage.trace, ElementsAre("meter on", "camera preview on", "meter off", "camera preview off"));
+
+    stage.sources.keyPolls = 0;
+    model.requestKeys();
+    stage.clock.advance(1000);
+    EXPECT_EQ(stage.sources.keyPolls, 61); // at once, and sixty times more
+    EXPECT_FALSE(model.seesKeys());
+    model.requestKeys();
+    stage.clock.advance(3);
+    stage.sources.keys = true;
+    stage.clock.advance(1);
+    EXPECT_TRUE(model.seesKeys());
+}
+
+TEST(AppModel, MoviesRecordingsAndTheSampleAreOpened) {
+    Stage stage;
+    AppModel& model = stage.open();
+    const auto back = [&] {
+        stage.loadDone(nullptr, "x");
+        model.dismissProblem();
+    };
+    const fs::path place = stage.folder / "Films";
+    fs::create_directory(place);
+    model.openVideo(QString::fromStdString((place / "talk.mov").string()));
+    EXPECT_EQ(stage.loadedVideo, place / "talk.mov");
+    EXPECT_EQ(stage.loadedFolder, place);
+    EXPECT_EQ(stage.loadedLog, std::nullopt);
+    back();
+    RecordCore::InputLog log;
+    log.keysTracked = true;
+    log.save(place / "input.json");
+    model.openVideo(QString::fromStdString((place / "talk.mov").string()));
+    EXPECT_EQ(stage.loadedLog, log);
+    back();
+    std::ofstream(place / "input.json") << "not a log";
+    model.openVideo(QString::fromStdString((place / "talk.mov").string()));
+    EXPECT_EQ(stage.loadedLog, std::nullopt);
+    back();
+
+    EXPECT_FALSE(model.hasSample());
+    model.openSample();
+    EXPECT_EQ(model.problem(), QStringLiteral("The sample isn't in this build."));
+
+    // A recording that was cut off is made whole before it is opened.
+    std::ofstream(place / "recording.journal") << "";
+    model.open(QString::fromStdString(place.string()));
+    EXPECT_EQ(model.flow(), Flow::home);
+    stage.clock.advance(0);
+    EXPECT_EQ(model.flow(), Flow::loading);
+    EXPECT_EQ(stage.loadedVideo, place / "recording.mp4");
+    back();
+    stage.recoverFailure = "still being recorded";
+    model.open(QString::fromStdString(place.string()));
+    stage.clock.advance(0);
+    EXPECT_EQ(model.problem(), QStringLiteral("Couldn't open that video: still being recorded"));
+}
+
+TEST(AppModel, RecordingsThatWereCutOffAreMadeWholeAndOffered) {
+    Stage stage;
+    for (const char* name : {"A", "B"}) {
+        const fs::path place = stage.parts.library.root() / name;
+        fs::create_directories(place);
+        std::ofstream(place / "recording.mp4") << "";
+        std::ofstream(place / "recording.journal") << "";
+    }
+    AppModel& model = stage.open();
+    EXPECT_EQ(stage.recovered.size(), 2U);
+    ASSERT_EQ(model.recoveredList().size(), 2);
+    EXPECT_EQ(model.recents()->count(), 2);
+    model.dismissRecovered();
+    EXPECT_THAT(model.recoveredList(), IsEmpty());
+    Stage running;
+    running.recoverFailure = "still being recorded";
+    fs::create_directories(running.parts.library.root() / "C");
+    std::ofstream(running.parts.library.root() / "C" / "recording.mp4") << "";
+    std::ofstream(running.parts.library.root() / "C" / "recording.journal") << "";
+    EXPECT_THAT(running.open().recoveredList(), IsEmpty());
+    EXPECT_EQ(running.model->problem(), QString());
+}
+
+TEST(AppModel, ARecordingIsThrownAwayAfterItsEditorWasLeft) {
+    Stage stage;
+    const fs::path place = stage.parts.library.root() / "A";
+    fs::create_directories(place);
+    std::ofstream(place / "recording.mp4") << "";
+    AppModel& model = stage.open();
+    model.open(QString::fromStdString(place.string()));
+    stage.loadDone(stage.editorOf(place), "");
+    stage.desktop.full = true;
+    model.trash(QString::fromStdString(place.string()));
+    EXPECT_EQ(model.screen(), AppModel::Screen::home);
+    EXPECT_EQ(model.problem(), QStringLiteral("the trash is full"));
+    EXPECT_EQ(model.recents()->count(), 1);
+    stage.desktop.full = false;
+    model.trash(QString::fromStdString(place.string()));
+    EXPECT_FALSE(fs::exists(place));
+    EXPECT_EQ(model.recents()->count(), 0);
+}
+
+TEST(AppModel, AHotKeyThatIsTakenIsTold) {
+    Stage stage;
+    stage.hotKey.trouble = "taken";
+    AppModel& model = stage.open();
+    EXPECT_EQ(model.hotKeyProblem(), QStringLiteral("taken"));
+    EXPECT_EQ(model.problem(), QStringLiteral("taken"));
+}
+
+TEST(AppModel, ChoicesAreRemembered) {
+    Stage stage;
+    QSettings settings(QString::fromStdString((stage.folder / "settings.ini").string()),
+                       QSettings::IniFormat);
+    stage.parts.settings = &settings;
+    AppModel& first = stage.open();
+    first.setSystemAudio(true);
+    first.toggleMicrophone();
+    first.toggleCamera();
+    first.chooseMicrophone(QStringLiteral("head"));
+    EXPECT_EQ(first.activeMicrophone(), QStringLiteral("Headset"));
+    AppModel& second = stage.open();
+    EXPECT_TRUE(second.systemAudio());
+    EXPECT_TRUE(second.microphone());
+    EXPECT_TRUE(second.camera());
+    EXPECT_EQ(second.activeMicrophone(), QStringLiteral("Headset"));
+}
+
+} // namespace
