@@ -1,0 +1,83 @@
+#include "OmbrelRecord/Application/Snapshot.h"
+
+#include "OmbrelRecord/Application/OmbrelRecordApp.h"
+#include "OmbrelRecord/Theme/Theme.h"
+
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QFile>
+#include <QtGui/QGuiApplication>
+#include <QtGui/QImage>
+#include <QtQml/QQmlComponent>
+#include <QtQml/QQmlEngine>
+#include <QtQuick/QQuickItem>
+#include <QtQuick/QQuickWindow>
+#include <memory>
+#include <system_error>
+
+namespace OmbrelRecord {
+
+namespace {
+
+void turn(int milliseconds) {
+    QElapsedTimer clock;
+    clock.start();
+    do
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    while (clock.elapsed() < milliseconds);
+}
+
+std::string picture(QQmlEngine& engine, const Snapshot::View& view, const QString& file) {
+    QQmlComponent component(&engine, OmbrelRecordApp::view(view.type));
+    std::unique_ptr<QObject> object(component.createWithInitialProperties(view.properties));
+    auto* item = qobject_cast<QQuickItem*>(object.get());
+    if (!item) return view.name.toStdString() + ": " + component.errorString().toStdString();
+
+    QQuickWindow window;
+    window.setColor(Qt::transparent);
+    window.resize(view.size);
+    item->setParentItem(window.contentItem());
+    item->setSize(view.size);
+    window.show();
+    turn(20);
+    if (view.arrange) view.arrange(*item);
+    QElapsedTimer clock;
+    clock.start();
+    bool ready = false;
+    do {
+        // Longer than anything in the interface moves.
+        turn(300);
+        ready = !view.ready || view.ready(*item);
+    } while (!ready && clock.elapsed() < 10000);
+    const QImage image = window.grabWindow();
+    item->setParentItem(nullptr);
+    if (image.isNull() || !image.save(file, "PNG"))
+        return view.name.toStdString() + ": cannot write " + file.toStdString();
+    return ready ? std::string() : view.name.toStdString() + ": not complete after ten seconds";
+}
+
+} // namespace
+
+std::vector<std::string> Snapshot::write(const std::vector<View>& views,
+                                         const std::filesystem::path& folder) {
+    std::vector<std::string> failures;
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (error) return {folder.string() + ": " + error.message()};
+
+    QQmlEngine engine;
+    OmbrelRecordApp::prepare(engine);
+    Theme* theme = OmbrelRecordApp::theme(engine);
+    if (!theme) return {"the views cannot be loaded"};
+    for (const View& view : views) {
+        for (const bool dark : {true, false}) {
+            theme->setScheme(dark ? Theme::Scheme::dark : Theme::Scheme::light);
+            const QString name = (dark ? QString() : QStringLiteral("light-")) + view.name;
+            const QString file = QFile::decodeName((folder / (name.toStdString() + ".png")).c_str());
+            const std::string failure = picture(engine, view, file);
+            if (!failure.empty()) failures.push_back(failure);
+        }
+    }
+    return failures;
+}
+
+} // namespace OmbrelRecord

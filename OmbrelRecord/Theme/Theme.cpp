@@ -1,0 +1,40 @@
+#include "OmbrelRecord/Theme/Theme.h"
+
+#include <QtCore/QDebug>
+#include <QtGui/QFontDatabase>
+
+namespace OmbrelRecord {
+
+Theme::Theme(QObject* parent) : QObject(parent) {
+    connect(&desktop, &ColorScheme::changed, this, &Theme::changed);
+}
+
+void Theme::setScheme(Scheme scheme) {
+    if (scheme == asked) return;
+    asked = scheme;
+    Q_EMIT changed();
+}
+
+bool Theme::dark() const {
+    return asked == Scheme::desktop ? desktop.dark() : asked == Scheme::dark;
+}
+
+QString Theme::family() const {
+    return QStringLiteral("Plus Jakarta Sans");
+}
+
+QFont Theme::font(int pixels, QFont::Weight weight) const {
+    QFont font(family());
+    font.setPixelSize(pixels);
+    font.setWeight(weight);
+    return font;
+}
+
+void Theme::loadFonts() {
+    for (const char* weight : {"400Regular", "500Medium", "600SemiBold", "700Bold"}) {
+        const QString file = QStringLiteral(":/fonts/PlusJakartaSans_%1.ttf").arg(QLatin1String(weight));
+        if (QFontDatabase::addApplicationFont(file) < 0) qWarning() << "cannot load" << file;
+    }
+}
+
+} // namespace OmbrelRecord

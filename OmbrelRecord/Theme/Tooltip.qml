@@ -1,0 +1,60 @@
+import QtQuick
+import QtQuick.Templates as T
+import OmbrelRecord
+
+/// What a control does, shown when the pointer rests on it. Lies inside the control; nothing is made until
+/// it is wanted.
+Loader {
+    id: root
+
+    property string text
+    /// The keys that do the same, shown behind the text.
+    property string keys
+    property bool shown: false
+
+    active: shown && text.length > 0
+    anchors.fill: parent
+
+    sourceComponent: T.ToolTip {
+        id: tip
+
+        delay: 600
+        visible: true
+        parent: root.parent
+        x: Math.round((parent.width - width) / 2)
+        y: -height - 8
+        margins: 8
+        padding: 8
+        leftPadding: 10
+        rightPadding: 10
+        implicitWidth: content.implicitWidth + leftPadding + rightPadding
+        implicitHeight: content.implicitHeight + topPadding + bottomPadding
+        closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent | T.Popup.CloseOnReleaseOutsideParent
+
+        contentItem: Row {
+            id: content
+            spacing: Theme.s
+
+            Text {
+                text: root.text
+                textFormat: Text.PlainText
+                font: Theme.tiny
+                color: Theme.dark ? "#ECEEF3" : "#FFFFFF"
+                width: Math.min(implicitWidth, 280)
+                wrapMode: Text.WordWrap
+            }
+            Text {
+                visible: root.keys.length > 0
+                text: root.keys
+                textFormat: Text.PlainText
+                font: Theme.tiny
+                color: "#A9B0BE"
+            }
+        }
+        background: Rectangle {
+            color: Theme.dark ? "#2C313C" : "#23262E"
+            radius: Theme.radiusS
+            border.color: Theme.dark ? "#3A404D" : "transparent"
+        }
+    }
+}
