@@ -34,6 +34,7 @@ constexpr QSize largestPreview(1920, 1200);
 constexpr int mostKeyPolls = 60;
 constexpr double keyPollInterval = 1; ///< seconds
 constexpr int framesPerSecond = 60;
+constexpr auto sampleName = "Sample · 4 agents fix a bug";
 
 constexpr auto systemAudioKey = "home.systemAudio";
 constexpr auto microphoneKey = "home.microphone";
@@ -731,10 +732,29 @@ bool AppModel::hasSample() const {
     return !parts.sample.empty() && fs::exists(RecordingFiles{parts.sample}.video(), ignored);
 }
 
+/// A copy that can be edited; one that is there stays as the user left it.
+fs::path AppModel::unpackSample() const {
+    const fs::path unpacked = parts.sampleHome / sampleName;
+    fs::create_directories(unpacked);
+    for (const fs::directory_entry& entry : fs::directory_iterator(parts.sample)) {
+        const fs::path copy = unpacked / entry.path().filename();
+        if (fs::exists(copy)) continue;
+        // A copy that is cut off must not count as one.
+        const fs::path part = unpacked / "part";
+        fs::copy_file(entry.path(), part, fs::copy_options::overwrite_existing);
+        fs::rename(part, copy);
+    }
+    return unpacked;
+}
+
 void AppModel::openSample() {
     if (!idle()) return;
     if (!hasSample()) return setProblem("The sample isn't in this build.");
-    open(pathText(parts.sample));
+    try {
+        open(pathText(unpackSample()));
+    } catch (const std::exception& error) {
+        setProblem(fmt::format("Couldn't open that video: {}", error.what()));
+    }
 }
 
 void AppModel::trash(const QString& name) {

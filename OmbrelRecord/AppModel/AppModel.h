@@ -270,6 +270,7 @@ private:
     RecordCore::ScreenSource source() const;
     void pollKeys(int polls);
     void recoverNext();
+    std::filesystem::path unpackSample() const;
     void remember(const char* name, const QVariant& value);
     bool remembered(const char* name) const;
     bool idle() const { return state == Flow::home || state == Flow::editing; }

@@ -175,6 +175,8 @@ struct AppParts {
     Library library;
     /// A folder with the sample recording; empty: this build has none.
     std::filesystem::path sample;
+    /// The folder in which the sample is put to be opened: what is brought along is never written to.
+    std::filesystem::path sampleHome;
 
     std::function<void(std::string_view line)> log;
 

@@ -24,6 +24,9 @@ inline constexpr std::string_view hotKey = "Super+Alt+R";
 /// Another program holds the hot key.
 inline constexpr std::string_view hotKeyTaken =
     "Super+Alt+R belongs to another program, so it doesn't start a recording here. Use the Record button.";
+/// The desktop offers no way to it.
+inline constexpr std::string_view hotKeyOnWayland =
+    "Super+Alt+R doesn't work in a Wayland session yet. Use the Record button.";
 
 } // namespace PlatformText
 } // namespace OmbrelRecord

@@ -93,6 +93,10 @@ void XSession::click(int button) {
 }
 
 void XSession::typeKey(char letter) {
+    typeKeys({static_cast<std::uint32_t>(letter)});
+}
+
+void XSession::typeKeys(const std::vector<std::uint32_t>& keysyms) {
     const xcb_setup_t* setup = xcb_get_setup(line->get());
     const int first = setup->min_keycode;
     const int count = setup->max_keycode - first + 1;
@@ -102,15 +106,20 @@ void XSession::typeKey(char letter) {
                                  static_cast<std::uint8_t>(count)),
         nullptr));
     const xcb_keysym_t* symbols = xcb_get_keyboard_mapping_keysyms(mapping.get());
-    for (int i = 0; i < count; ++i) {
-        if (symbols[i * mapping->keysyms_per_keycode] != static_cast<xcb_keysym_t>(letter)) continue;
-        for (const std::uint8_t type : {std::uint8_t{XCB_KEY_PRESS}, std::uint8_t{XCB_KEY_RELEASE}})
-            xcb_test_fake_input(line->get(), type, static_cast<std::uint8_t>(first + i), XCB_CURRENT_TIME,
-                                line->root(), 0, 0, 0);
-        sync();
-        return;
-    }
-    throw std::runtime_error("the keyboard has no such key");
+    const auto keyOf = [&](std::uint32_t keysym) {
+        for (int i = 0; i < count; ++i)
+            if (symbols[i * mapping->keysyms_per_keycode] == keysym)
+                return static_cast<std::uint8_t>(first + i);
+        throw std::runtime_error("the keyboard has no such key");
+    };
+    const auto fake = [&](std::uint8_t type, std::uint32_t keysym) {
+        xcb_test_fake_input(line->get(), type, keyOf(keysym), XCB_CURRENT_TIME, line->root(), 0, 0, 0);
+    };
+    for (const std::uint32_t keysym : keysyms)
+        fake(XCB_KEY_PRESS, keysym);
+    for (auto keysym = keysyms.rbegin(); keysym != keysyms.rend(); ++keysym)
+        fake(XCB_KEY_RELEASE, *keysym);
+    sync();
 }
 
 TestWindow::TestWindow(XSession& session, const std::string& title, int x, int y, int width, int height,

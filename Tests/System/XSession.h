@@ -33,6 +33,8 @@ public:
     void release(int button);
     void click(int button);
     void typeKey(char letter);
+    /// Presses keys one after another, then releases them in reverse.
+    void typeKeys(const std::vector<std::uint32_t>& keysyms);
 
     /// The server answers nobody for a while.
     void freeze();

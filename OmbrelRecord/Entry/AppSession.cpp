@@ -1,0 +1,113 @@
+#include "OmbrelRecord/Entry/AppSession.h"
+
+#include "OmbrelRecord/AppModel/Diag.h"
+#include "OmbrelRecord/AppModel/SessionRun.h"
+#include "OmbrelRecord/Entry/Backends.h"
+#include "OmbrelRecord/Entry/Resources.h"
+#include "OmbrelRecord/Entry/SpeechBackends.h"
+#include "OmbrelRecord/Transcriber/Transcriber.h"
+#include "RecordCore/Capture/RecordingRecovery.h"
+#include "RecordCore/Export/Exporter.h"
+
+#include <QtCore/QStandardPaths>
+#include <exception>
+#include <fmt/format.h>
+#include <utility>
+
+namespace OmbrelRecord {
+
+using namespace RecordCore;
+
+namespace fs = std::filesystem;
+
+namespace {
+
+fs::path place(QStandardPaths::StandardLocation location) {
+    return fs::path(QStandardPaths::writableLocation(location).toStdString()) / "ombrel-record";
+}
+
+void log(std::string_view line) {
+    Diag::log(line);
+}
+
+} // namespace
+
+AppSession::AppSession() :
+    mediaBackend(makeMediaBackend()), services(makeCaptureServices()),
+    speech(makeSpeechEngine(*mediaBackend)), sources(*services.screen),
+    cameras(services.cameras.get(), devices),
+    thumbnails(*mediaBackend, place(QStandardPaths::GenericCacheLocation) / "stills"),
+    loader(*mediaBackend, editorParts()), appModel(std::make_unique<AppModel>(appParts())) {}
+
+AppSession::~AppSession() = default;
+
+EditorParts AppSession::editorParts() {
+    EditorParts parts;
+    parts.media = mediaBackend.get();
+    parts.now = [] { return HostClock::system().now(); };
+    parts.desktop = &desktop;
+    parts.films = library.films();
+    parts.exportFilm = [media = mediaBackend](const ExportJob& job,
+                                              const std::function<void(double)>& progress,
+                                              const std::atomic<bool>& cancel) {
+        const ExportStats stats =
+            Exporter::run(*media, job.source, job.plan, job.options, job.destination, {progress, &cancel});
+        log(fmt::format("export: {} frames, {:.1f} s in {:.1f} s", stats.frames, stats.outputSeconds,
+                        stats.wallSeconds));
+    };
+    parts.recognizeWords = [this](const fs::path& video, const std::string& language,
+                                  const std::function<void(double)>& progress,
+                                  const std::atomic<bool>& cancel) {
+        const std::optional<std::string> wanted = language.empty() ? std::nullopt : std::optional(language);
+        try {
+            return Transcriber(*speech, *mediaBackend).words(video, wanted, {progress, &cancel});
+        } catch (const Transcriber::Failure& failure) {
+            if (!failure.detail().empty()) log(fmt::format("captions: {}", failure.detail()));
+            throw;
+        }
+    };
+    return parts;
+}
+
+AppParts AppSession::appParts() {
+    AppParts parts;
+    parts.sources = &sources;
+    parts.cameras = &cameras;
+    parts.permissions = &permissions;
+    parts.windows = &applicationWindows;
+    parts.hotKey = &hotKey;
+    parts.clock = &clock;
+    parts.desktop = &desktop;
+    parts.sound = services.sound.get();
+    parts.thumbnails = &thumbnails;
+    parts.settings = &settings;
+    parts.library = library;
+    parts.sample = resource("sample");
+    parts.sampleHome = place(QStandardPaths::GenericDataLocation);
+    parts.log = log;
+    parts.makeRun = [this](const fs::path& folder, const RecordingRun::Setup& setup) {
+        return std::make_unique<SessionRun>(devices, folder, setup, services.session(*mediaBackend, log));
+    };
+    parts.loadEditor = [this](const fs::path& video, std::optional<InputLog> inputLog, const fs::path& folder,
+                              std::function<void(double)> progress, EditorLoader::Done done) {
+        loader.load(video, std::move(inputLog), folder, std::move(progress), std::move(done));
+    };
+    parts.recover = [this](const fs::path& folder, std::function<void(std::string)> done) {
+        recover(folder, std::move(done));
+    };
+    return parts;
+}
+
+void AppSession::recover(const fs::path& folder, std::function<void(std::string)> done) {
+    recovery.post([media = mediaBackend, to = mailbox.address(), folder, done = std::move(done)] {
+        std::string failure;
+        try {
+            recoverRecording(folder, *media, log);
+        } catch (const std::exception& error) {
+            failure = error.what();
+        }
+        to.post([done, failure] { done(failure); });
+    });
+}
+
+} // namespace OmbrelRecord

@@ -1,0 +1,41 @@
+#include "OmbrelRecord/Entry/DesktopHotKey.h"
+
+#include "OmbrelRecord/AppModel/PlatformText.h"
+#include "RecordCore/Capture/X11/X11HotKey.h"
+
+#include <cstdlib>
+#include <fmt/format.h>
+#include <string_view>
+
+namespace OmbrelRecord {
+
+namespace {
+
+bool onWayland() {
+    const char* kind = std::getenv("XDG_SESSION_TYPE");
+    return kind != nullptr && std::string_view(kind) == "wayland";
+}
+
+} // namespace
+
+DesktopHotKey::DesktopHotKey() = default;
+DesktopHotKey::~DesktopHotKey() = default;
+
+std::string DesktopHotKey::grab() {
+    // There an X grab would work over X windows only, which is worse than none.
+    if (onWayland()) return std::string(PlatformText::hotKeyOnWayland);
+    try {
+        key = std::make_unique<RecordCore::X11HotKey>('r', [this, to = mailbox.address()] {
+            to.post([this] {
+                if (onPressed) onPressed();
+            });
+        });
+        return {};
+    } catch (const RecordCore::RecordingError& error) {
+        if (std::string_view(error.what()) == "taken") return std::string(PlatformText::hotKeyTaken);
+        return fmt::format("{} doesn't work here ({}). Use the Record button.", PlatformText::hotKey,
+                           error.what());
+    }
+}
+
+} // namespace OmbrelRecord
