@@ -4,12 +4,14 @@
 #include "RecordCore/Rendering/Kernels/Kernels.h"
 #include "RecordCore/Rendering/Canvas.h"
 #include "RecordCore/Rendering/RgbImage.h"
+#include "RecordCore/Rendering/Wallpapers.h"
 #include "Tests/Rendering/SamplePictures.h"
 
 #include <benchmark/benchmark.h>
 
 #include <array>
 #include <memory>
+#include <string>
 
 using namespace RecordCore;
 
@@ -108,6 +110,25 @@ void preparing(benchmark::State& run) {
         benchmark::DoNotOptimize(std::make_unique<Compositor>(settings));
 }
 
+void drawingWallpaper(benchmark::State& run) {
+    const auto& entry = Wallpapers::all()[static_cast<std::size_t>(run.range(0))];
+    for (auto _ : run)
+        benchmark::DoNotOptimize(
+            Wallpapers::draw(entry.name, static_cast<int>(run.range(1)), static_cast<int>(run.range(2))));
+    run.SetLabel(std::string(entry.name));
+}
+
+/// The first wallpaper of every family, in two sizes.
+void everyFamily(benchmark::internal::Benchmark* benchmark) {
+    std::string_view last;
+    for (std::size_t i = 0; i < Wallpapers::all().size(); ++i) {
+        if (Wallpapers::all()[i].family == last) continue;
+        last = Wallpapers::all()[i].family;
+        benchmark->Args({static_cast<std::int64_t>(i), 1920, 1080});
+        benchmark->Args({static_cast<std::int64_t>(i), 3840, 2160});
+    }
+}
+
 void toScreen(benchmark::State& run) {
     const Picture picture = SamplePictures::screen(1200, 676);
     std::vector<std::uint8_t> pixels(1200 * 676 * 4);
@@ -136,6 +157,7 @@ BENCHMARK(movingPointer)->Args({1920, 1080})->Args({3024, 1964})->Unit(benchmark
 BENCHMARK(nothingNew)->Args({1920, 1080})->Args({3024, 1964})->Unit(benchmark::kMillisecond);
 BENCHMARK(shrinkingBubble)->Unit(benchmark::kMillisecond);
 BENCHMARK(preparing)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
+BENCHMARK(drawingWallpaper)->Apply(everyFamily)->Unit(benchmark::kMillisecond);
 BENCHMARK(toScreen)->Unit(benchmark::kMillisecond);
 BENCHMARK(yardstick)->Unit(benchmark::kMillisecond);
 
