@@ -9,7 +9,6 @@ namespace RecordCore {
 namespace {
 
 constexpr std::int64_t fade = soundRate * 20 / 1000; ///< positions over which one piece passes into the next
-constexpr double longestStretch = 10;                ///< output seconds stretched at a time
 constexpr double longestInput = 20;                  ///< source seconds stretched at a time
 constexpr double shortestStretch = 0.25;             ///< output seconds
 constexpr double bedLevel = -24;                     ///< decibels
@@ -43,9 +42,17 @@ std::size_t floats(std::int64_t positions) {
 } // namespace
 
 RetimedSound::RetimedSound(const Composition& composition, std::vector<std::unique_ptr<SoundReader>> tracks,
-                           std::unique_ptr<TimeStretcher> stretcher) :
+                           std::unique_ptr<TimeStretcher> stretcher, double longestStretch) :
     tracks(std::move(tracks)),
-    stretcher(std::move(stretcher)), total(position(composition.duration)) {
+    stretcher(std::move(stretcher)), longestStretch(std::max(longestStretch, shortestStretch)) {
+    retime(composition);
+}
+
+void RetimedSound::retime(const Composition& composition) {
+    sections.clear();
+    for (Rendered& one : rendered)
+        one.section = SIZE_MAX;
+    total = position(composition.duration);
     for (const Composition::Piece& piece : composition.screen)
         addSections(piece);
 }

@@ -20,8 +20,13 @@ namespace RecordCore {
 /// however long the recording. One thread at a time.
 class RetimedSound {
 public:
+    /// At most `longestStretch` output seconds are time-stretched as a whole: the longer, the smoother; the
+    /// shorter, the sooner a `read` from anywhere within returns.
     RetimedSound(const Composition& composition, std::vector<std::unique_ptr<SoundReader>> tracks,
-                 std::unique_ptr<TimeStretcher> stretcher);
+                 std::unique_ptr<TimeStretcher> stretcher, double longestStretch = 10);
+
+    /// Goes on as the sound of another film of the same recording, with its tracks where they stand.
+    void retime(const Composition& composition);
 
     /// Length of the film in sample positions.
     std::int64_t length() const { return total; }
@@ -53,6 +58,7 @@ private:
 
     std::vector<std::unique_ptr<SoundReader>> tracks;
     std::unique_ptr<TimeStretcher> stretcher;
+    double longestStretch;
     std::vector<Section> sections; ///< in output order
     std::int64_t total = 0;
     std::array<Rendered, 2> rendered; ///< the stretched sections in use: one and the one fading out

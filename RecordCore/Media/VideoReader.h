@@ -35,6 +35,17 @@ public:
     /// Tells that no frame before the one shown at `seconds` (as in `seek`) will be asked for any more; the
     /// reader may skip decoding what cannot be shown. Frames before it may still be returned by `next`.
     virtual void skipTo(double seconds) { static_cast<void>(seconds); }
+
+    /// What it takes to show the frame of a time after a jump to it.
+    struct SeekCost {
+        double keyTime = 0; ///< of the frame that decoding begins with; at or before the time
+        int frames = 0;     ///< to decode from there on, the wanted one included
+    };
+    /// As the file's index tells, without reading it; none where there is no such index. Cheap.
+    virtual std::optional<SeekCost> seekCost(double seconds) const {
+        static_cast<void>(seconds);
+        return std::nullopt;
+    }
 };
 
 } // namespace RecordCore

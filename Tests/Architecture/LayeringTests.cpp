@@ -56,7 +56,7 @@ TEST(Layering, TellsBreachesFromWhatIsAllowed) {
         {"RecordCore/Export/A.cpp", "#include \"RecordCore/Rendering/Compositor.h\"", true},
         {"RecordCore/Export/A.cpp", "#include \"RecordCore/Capture/ScreenRecorder.h\"", false},
         {"RecordCore/Preview/A.cpp", "#include \"RecordCore/Export/Timeline.h\"", true},
-        {"RecordCore/Preview/A.cpp", "#include \"RecordCore/Export/Exporter.h\"", false},
+        {"RecordCore/Preview/A.cpp", "#include \"RecordCore/Export/LoadedRecording.h\"", false},
         {"RecordCore/Capture/A.cpp", "#include \"RecordCore/Activity/LiveActivity.h\"", true},
         {"RecordCore/Capture/A.cpp", "#include \"RecordCore/Rendering/Picture.h\"", false},
         // Backends are seen by themselves and by the entry alone.

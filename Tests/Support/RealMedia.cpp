@@ -1,8 +1,8 @@
 #include "Tests/Support/RealMedia.h"
 
 #include "RecordCore/Media/FFmpeg/FFmpegMedia.h"
+#include "RecordCore/Media/RubberBand/Stretcher.h"
 #include "RecordCore/Media/X264/X264Encoder.h"
-#include "RecordCore/Model/RecordingError.h"
 
 #include <utility>
 
@@ -35,7 +35,7 @@ std::unique_ptr<MovieWriter> RealMedia::createMovie(const std::filesystem::path&
 }
 
 std::unique_ptr<TimeStretcher> RealMedia::makeTimeStretcher() const {
-    throw RecordingError("no time stretcher here");
+    return RubberBand::makeStretcher();
 }
 
 bool RealMedia::recoverMovie(const std::filesystem::path& file) const {

@@ -2,7 +2,7 @@
 
 #include "RecordCore/Media/MediaBackend.h"
 
-/// The media layer as the program uses it, but for time stretching, which no recorder needs.
+/// The media layer as the program uses it.
 class RealMedia : public RecordCore::MediaBackend {
 public:
     RecordCore::SourceInfo sourceInfo(const std::filesystem::path& file) const override;

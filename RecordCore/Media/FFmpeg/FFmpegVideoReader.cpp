@@ -239,4 +239,12 @@ void FFmpegVideoReader::skipTo(double seconds) {
     if (key && lastRead && *key > *lastRead) jump(*key, true);
 }
 
+std::optional<VideoReader::SeekCost> FFmpegVideoReader::seekCost(double seconds) const {
+    const std::int64_t wanted = ticks(seconds);
+    const int key = av_index_search_timestamp(stream, wanted - mostReorder, AVSEEK_FLAG_BACKWARD);
+    const int last = av_index_search_timestamp(stream, wanted, AVSEEK_FLAG_BACKWARD | AVSEEK_FLAG_ANY);
+    if (key < 0 || last < key) return std::nullopt;
+    return SeekCost{timeOf(avformat_index_get_entry(stream, key)->timestamp + mostReorder), last - key + 1};
+}
+
 } // namespace RecordCore::FFmpeg

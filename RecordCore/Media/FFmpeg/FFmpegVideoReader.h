@@ -19,6 +19,7 @@ public:
     std::optional<VideoFrame> next() override;
     void seek(double seconds) override;
     void skipTo(double seconds) override;
+    std::optional<SeekCost> seekCost(double seconds) const override;
 
 private:
     struct Decoded {
