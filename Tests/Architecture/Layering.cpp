@@ -90,6 +90,7 @@ const std::vector<Library>& libraries() {
         {{"linux/videodev2.h"}, {"RecordCore/Capture/V4L2/"}},
         {{"linux/input", "libevdev/", "libudev.h"}, {"RecordCore/Capture/Evdev/"}},
         {{"pocketsphinx/", "sphinxbase/"}, {"OmbrelRecord/Transcriber/PocketSphinx/"}},
+        {{"gnutls/"}, {"OmbrelRecord/Updates/"}},
         {{"CLI/"}, {"OmbrelRecord/Entry/"}},
         {{"spdlog/"}, {"OmbrelRecord/"}},
         {{"fmt/"}, {"RecordCore/", "OmbrelRecord/"}},
