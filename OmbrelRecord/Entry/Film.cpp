@@ -160,8 +160,12 @@ private:
 
     void zoom(Sequence& to) {
         FilmTake film = take();
+        // From just before the camera sets out.
         const double middle = nearest(film);
-        play(to, film, middle - 2.5, middle + 2.5);
+        double from = middle;
+        while (from > std::max(0.0, middle - 4) && film.film().state(from).view.w < 0.999)
+            from -= 1 / fps;
+        play(to, film, from - 0.5, middle + 2);
         to.done(film.duration());
     }
 

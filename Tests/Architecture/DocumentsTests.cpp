@@ -37,7 +37,8 @@ TEST(Documents, TheManualNamesEveryVerbAndOption) {
         std::regex_replace(contents(root / "Packaging/ombrel-record.1"), std::regex(R"(\\-)"), "-");
 
     const std::set<std::string> verbs = matches(source, R"re(add_subcommand\("([a-z-]+)")re");
-    const std::set<std::string> options = matches(source, R"re("(?:-\w,)?(--[a-z-]+)")re");
+    std::set<std::string> options = matches(source, R"re("(?:-\w,)?(--[a-z-]+)")re");
+    options.merge(matches(contents(root / "OmbrelRecord/Entry/Entry.cpp"), R"re("(--[a-z-]+)")re"));
     EXPECT_GE(verbs.size(), 4u);
     EXPECT_GE(options.size(), 8u);
 
