@@ -2,8 +2,8 @@
 #include "OmbrelRecord/Entry/Backends.h"
 #include "OmbrelRecord/Entry/FilmTake.h"
 #include "OmbrelRecord/Entry/Jobs.h"
-#include "RecordCore/Model/Backdrop.h"
 #include "RecordCore/Model/RecordingError.h"
+#include "RecordCore/Rendering/Wallpapers.h"
 
 #include <QtGui/QFont>
 #include <QtGui/QPainter>
@@ -169,24 +169,32 @@ private:
         to.done(film.duration());
     }
 
-    /// The film goes on while what is behind it changes.
+    /// The film goes on while what is behind it changes: one wallpaper of each family.
     void wallpapers(Sequence& to) {
         constexpr double each = 0.8;
         double at = 0, length = 0;
-        for (const std::string_view name : Backdrop::names()) {
-            Project project = recording.project;
-            project.wallpaperPreset = "";
-            project.wallpaper.reset();
-            project.solidColor.reset();
-            project.backdrop = name;
+        std::string_view family;
+        for (const Wallpapers::Entry& wallpaper : Wallpapers::all()) {
+            if (wallpaper.family == family) continue;
+            family = wallpaper.family;
+            Project project = before(wallpaper.name);
             project.padding = std::max(project.padding, 0.05);
             FilmTake film = take(project);
             length = film.duration();
-            at = at == 0 ? std::min(nearest(film), std::max(0.0, length - 8 * each)) : at;
+            if (at == 0) at = std::min(nearest(film), std::max(0.0, length - 8 * each));
             play(to, film, at, at + each);
             at += each;
         }
         to.done(length);
+    }
+
+    /// The recording's project with another wallpaper.
+    Project before(std::string_view wallpaper) const {
+        Project project = recording.project;
+        project.wallpaperPreset = wallpaper;
+        project.wallpaper.reset();
+        project.solidColor.reset();
+        return project;
     }
 
     void formats(Sequence& to) {
@@ -357,14 +365,12 @@ private:
             save(film.frame(film.duration() * 0.75), root / fmt::format("{}late.jpg", prefix));
         };
         row("still-");
-        const auto names = Backdrop::names();
-        const auto bright = std::find_if(names.begin(), names.end(),
-                                         [](std::string_view name) { return Backdrop::preset(name)->light; });
-        if (bright != names.end()) {
-            project.wallpaperPreset = "";
-            project.wallpaper.reset();
-            project.solidColor.reset();
-            project.backdrop = *bright;
+        const auto wallpapers = Wallpapers::all();
+        const auto bright =
+            std::find_if(wallpapers.begin(), wallpapers.end(),
+                         [](const Wallpapers::Entry& entry) { return Wallpapers::isLight(entry.name); });
+        if (bright != wallpapers.end()) {
+            project = before(bright->name);
             row("light-");
         }
         for (int number = 3; number >= 1; --number)
