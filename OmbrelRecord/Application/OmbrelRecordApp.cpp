@@ -1,5 +1,6 @@
 #include "OmbrelRecord/Application/OmbrelRecordApp.h"
 
+#include "OmbrelRecord/Icons/IconSet.h"
 #include "OmbrelRecord/Theme/Theme.h"
 
 #include <QtCore/QDebug>
@@ -29,6 +30,7 @@ void OmbrelRecordApp::dress() {
     font.setPixelSize(13);
     font.setWeight(QFont::Medium);
     QGuiApplication::setFont(font);
+    QGuiApplication::setWindowIcon(IconSet::application());
 }
 
 void OmbrelRecordApp::prepare(QQmlEngine& engine) {

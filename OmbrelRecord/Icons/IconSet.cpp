@@ -189,6 +189,14 @@ QImage IconSet::draw(const QString& name, const QColor& color, const QSize& pixe
     return image;
 }
 
+QIcon IconSet::application() {
+    loadIconResources();
+    QIcon icon;
+    for (const int size : {16, 24, 32, 48, 64, 128, 256})
+        icon.addFile(QStringLiteral(":/ombrel-record/application/%1.png").arg(size), {size, size});
+    return icon;
+}
+
 std::shared_ptr<const Icon> IconSet::read(const QByteArray& svg) {
     auto icon = std::make_shared<Icon>();
     QXmlStreamReader xml(svg);

@@ -4,6 +4,7 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 #include <QtGui/QColor>
+#include <QtGui/QIcon>
 #include <QtGui/QImage>
 #include <QtGui/QPainterPath>
 #include <memory>
@@ -42,6 +43,10 @@ std::shared_ptr<const Icon> find(const QString& name);
 /// The symbol in a picture of that size in pixels, centred, as large as the shorter side lets it be; a null
 /// image when there is no such symbol.
 QImage draw(const QString& name, const QColor& color, const QSize& pixels);
+
+/// The application's own icon in all its sizes, for windows where the desktop does not know the program. Main
+/// thread.
+QIcon application();
 
 /// Reads a drawing: `path` elements of an SVG with a view box of 20 × 20, stroked as a rule, with the
 /// commands M L H V C A Z in capitals. Null when it is anything else.

@@ -90,3 +90,14 @@ TEST(Icons, areDrawnInTheColourAndSizeAskedFor) {
     EXPECT_EQ(provider.requestImage(QStringLiteral("play/000000"), nullptr, {33, 0}).size(), QSize(33, 33));
     EXPECT_TRUE(provider.requestImage(QStringLiteral("nothing/000000"), &size, {}).isNull());
 }
+
+TEST(Icons, theApplicationHasOneInEverySize) {
+    for (const int size : {16, 24, 32, 48, 64, 128, 256}) {
+        const QImage image = IconSet::application().pixmap(QSize(size, size)).toImage();
+        ASSERT_EQ(image.size(), QSize(size, size));
+        const QColor middle = image.pixelColor(size / 2, size / 2);
+        EXPECT_GT(middle.red(), 200) << size; // the record dot
+        EXPECT_LT(middle.green(), 140) << size;
+        EXPECT_EQ(image.pixelColor(0, 0).alpha(), 0) << size;
+    }
+}
