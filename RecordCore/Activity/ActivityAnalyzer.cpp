@@ -172,16 +172,24 @@ std::optional<NRect> mainArea(std::span<const Group> groups, int columns, int li
 
 std::vector<ActivitySample> summarize(std::span<const double> times, std::span<const Mask> masks, int columns,
                                       int lines, int halfWindow) {
-    std::vector<ActivitySample> samples;
-    if (masks.empty()) return samples;
-    samples.reserve(masks.size());
+    return summarizeEach(
+        times.first(masks.size()), [masks](std::size_t index, Mask& mask) { mask = masks[index]; }, columns,
+        lines, halfWindow);
+}
 
-    const auto count = static_cast<std::ptrdiff_t>(masks.size());
+std::vector<ActivitySample> summarizeEach(std::span<const double> times, const LoadMask& load, int columns,
+                                          int lines, int halfWindow) {
+    std::vector<ActivitySample> samples;
+    if (times.empty()) return samples;
+    samples.reserve(times.size());
+
+    const auto count = static_cast<std::ptrdiff_t>(times.size());
     const auto w = static_cast<std::ptrdiff_t>(halfWindow);
     const auto cells = static_cast<std::size_t>(columns) * static_cast<std::size_t>(lines);
     std::vector<int> changes(cells); // of each cell within the window
+    Mask mask(cells);
     const auto count1 = [&](std::ptrdiff_t index, int by) {
-        const Mask& mask = masks[static_cast<std::size_t>(index)];
+        load(static_cast<std::size_t>(index), mask);
         for (std::size_t cell = 0; cell < cells; ++cell)
             changes[cell] += mask[cell] ? by : 0;
     };
@@ -198,7 +206,8 @@ std::vector<ActivitySample> summarize(std::span<const double> times, std::span<c
 
         kept.clear();
         std::size_t total = 0;
-        finder.find(masks[static_cast<std::size_t>(i)], [&](const Group& group) {
+        load(static_cast<std::size_t>(i), mask);
+        finder.find(mask, [&](const Group& group) {
             if (group.cells.size() < smallGroup) {
                 const auto persistent = std::count_if(group.cells.begin(), group.cells.end(), [&](int cell) {
                     return changes[static_cast<std::size_t>(cell)] >= length * 0.5;

@@ -4,7 +4,9 @@
 #include "RecordCore/Model/NRect.h"
 #include "RecordCore/Model/PictureView.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <vector>
@@ -53,6 +55,12 @@ std::optional<NRect> mainArea(std::span<const Group> groups, int columns, int li
 /// One sample per mask. Small regions that change all the time (a caret, a spinner) don't count.
 std::vector<ActivitySample> summarize(std::span<const double> times, std::span<const Mask> masks, int columns,
                                       int lines, int halfWindow);
+
+/// The same for masks that are kept in another form: `load` makes each when it is wanted, some times over, so
+/// that an hour of them never has to stand in memory.
+using LoadMask = std::function<void(std::size_t index, Mask& mask)>;
+std::vector<ActivitySample> summarizeEach(std::span<const double> times, const LoadMask& load, int columns,
+                                          int lines, int halfWindow);
 
 } // namespace ActivityAnalyzer
 } // namespace RecordCore

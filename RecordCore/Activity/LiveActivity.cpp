@@ -47,11 +47,12 @@ void LiveActivity::restore(double t, const PackedMask& mask) {
 }
 
 std::vector<ActivitySample> LiveActivity::samples() const {
-    std::vector<Mask> unpacked(masks.size(), Mask(static_cast<std::size_t>(cols) * rows));
-    for (std::size_t i = 0; i < masks.size(); ++i)
-        for (std::size_t cell = 0; cell < unpacked[i].size(); ++cell)
-            unpacked[i][cell] = static_cast<std::uint8_t>(masks[i][cell / cols] >> cell % cols & 1);
-    return summarize(times, unpacked, cols, rows, window);
+    const auto unpack = [this](std::size_t index, Mask& mask) {
+        const PackedMask& packed = masks[index];
+        for (std::size_t cell = 0; cell < mask.size(); ++cell)
+            mask[cell] = static_cast<std::uint8_t>(packed[cell / cols] >> cell % cols & 1);
+    };
+    return summarizeEach(times, unpack, cols, rows, window);
 }
 
 } // namespace RecordCore

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdint>
+#include <deque>
 #include <vector>
 
 namespace RecordCore {
@@ -44,7 +45,8 @@ private:
     std::vector<std::uint8_t> previous; ///< luma grid of the sampled frame before; empty: none
     std::vector<std::uint8_t> current;
     std::vector<double> times;
-    std::vector<PackedMask> masks; ///< packed: an hour of a busy screen holds 54000 of them
+    /// Packed, an hour of a busy screen holds 54000 of them: 17 MB. Grows without being copied.
+    std::deque<PackedMask> masks;
     ActivityAnalyzer::Mask scratch;
     double nextT = 0; ///< earliest time at which a frame is sampled
 };
