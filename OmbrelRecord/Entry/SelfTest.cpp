@@ -10,6 +10,7 @@
 
 #include <fmt/chrono.h>
 #include <fmt/format.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -162,6 +163,8 @@ void tryEverything(const std::filesystem::path& folder, bool window, const Displ
 
 void run(const std::filesystem::path& folder, bool window, const MediaBackend& media,
          const CaptureServices& services) {
+    // What the screen showed is nobody else's business, in the film as little as in the recording.
+    umask(S_IRWXG | S_IRWXO);
     Report report;
     report.add(
         fmt::format("Ombrel Record self-test {:%Y-%m-%d %H:%M:%S} +0000", fmt::gmtime(std::time(nullptr))));

@@ -89,6 +89,29 @@ double trial(const MediaBackend& media, VideoSettings settings, double budget) {
     return (processTime() - began) / trialFrames;
 }
 
+/// Whether a hardware encoder not only opens but makes a packet of a picture: a driver may promise more than
+/// it keeps, and in the middle of the recording it would be too late.
+bool hardwareWorks(const MediaBackend& media, const VideoSettings& settings,
+                   const std::function<void(const std::string&)>& log) {
+    bool came = false;
+    std::unique_ptr<VideoEncoder> encoder;
+    try {
+        encoder = media.makeVideoEncoder(settings, [&came](const Packet&) { came = true; });
+    } catch (const RecordingError&) {
+        return false; // the usual case: there is none
+    }
+    try {
+        CapturePicture picture(settings.width, settings.height);
+        drawTrial(picture, 0);
+        encoder->encode(picture.view(), 0);
+    } catch (const RecordingError& error) {
+        log(fmt::format("record: {}", error.what()));
+        return false;
+    }
+    if (!came) log(fmt::format("record: {} holds pictures back", encoder->name()));
+    return came;
+}
+
 } // namespace
 
 std::int64_t recordingBitrate(int width, int height, int fps) {
@@ -107,11 +130,14 @@ std::unique_ptr<VideoEncoder> chooseEncoder(const MediaBackend& media, int width
     };
     settings.codec = Codec::hevc;
     settings.hardware = true;
-    try {
-        return chosen(media.makeVideoEncoder(settings, sink), "hardware");
-    } catch (const RecordingError&) {
-        settings.hardware = false; // the usual case: there is none
+    if (hardwareWorks(media, settings, log)) {
+        try {
+            return chosen(media.makeVideoEncoder(settings, sink), "hardware");
+        } catch (const RecordingError& error) {
+            log(fmt::format("record: {}", error.what()));
+        }
     }
+    settings.hardware = false;
 
     const double budget = share * std::max(std::thread::hardware_concurrency(), 1U) / fps;
     const auto work = [&](const Candidate& candidate) {

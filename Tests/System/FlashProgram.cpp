@@ -1,35 +1,100 @@
 // A program to be recorded: a window that turns from black to white and back with every click on it, as soon
-// as the click arrives. usage: FlashProgram X Y WIDTH HEIGHT
+// as the click arrives, and beeps for a twentieth of a second when it is told to ("beep"). Without "managed"
+// it stands exactly where it is put, with it the window manager puts a frame around it and X and Y are the
+// frame's. usage: FlashProgram X Y WIDTH HEIGHT [managed] [beep]
 
+#include <pulse/simple.h>
+#include <unistd.h>
 #include <xcb/xcb.h>
+#include <xcb/xproto.h>
 
+#include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <numbers>
+#include <vector>
+
+namespace {
+
+/// A short tone with a steep start, heard as soon as the daemon can.
+class Beeper {
+public:
+    Beeper() {
+        const pa_sample_spec format{PA_SAMPLE_S16LE, 48000, 1};
+        // After the quiet in between, what arrives is played at once.
+        const pa_buffer_attr buffer{~0U, 480 * 2, 2, ~0U, ~0U};
+        stream = pa_simple_new(nullptr, "flash", PA_STREAM_PLAYBACK, nullptr, "beep", &format, nullptr,
+                               &buffer, nullptr);
+        for (int i = 0; i < 2400; ++i)
+            tone.push_back(static_cast<std::int16_t>(
+                16000 * std::cos(2 * std::numbers::pi * 1000 * i / static_cast<double>(format.rate))));
+    }
+    ~Beeper() {
+        if (stream != nullptr) pa_simple_free(stream);
+    }
+    Beeper(const Beeper&) = delete;
+    Beeper& operator=(const Beeper&) = delete;
+
+    void beep() {
+        if (stream != nullptr) pa_simple_write(stream, tone.data(), tone.size() * 2, nullptr);
+    }
+
+private:
+    pa_simple* stream;
+    std::vector<std::int16_t> tone;
+};
+
+bool viewable(xcb_connection_t* connection, xcb_window_t window) {
+    xcb_get_window_attributes_reply_t* attributes =
+        xcb_get_window_attributes_reply(connection, xcb_get_window_attributes(connection, window), nullptr);
+    const bool is = attributes == nullptr || attributes->map_state == XCB_MAP_STATE_VIEWABLE;
+    std::free(attributes);
+    return is;
+}
+
+} // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 5) return 2;
+    if (argc < 5) return 2;
     const int x = std::atoi(argv[1]), y = std::atoi(argv[2]);
     const int width = std::atoi(argv[3]), height = std::atoi(argv[4]);
+    bool managed = false, beeps = false;
+    for (int i = 5; i < argc; ++i) {
+        managed = managed || std::strcmp(argv[i], "managed") == 0;
+        beeps = beeps || std::strcmp(argv[i], "beep") == 0;
+    }
     xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
     if (xcb_connection_has_error(connection) != 0) return 1;
+    Beeper* beeper = beeps ? new Beeper : nullptr; // for as long as the program runs
     const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
     const xcb_window_t window = xcb_generate_id(connection);
-    const std::uint32_t values[] = {screen->black_pixel, 1,
+    const std::uint32_t values[] = {screen->black_pixel, managed ? 0U : 1U,
                                     XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_BUTTON_PRESS};
-    // Unmanaged, so that it stands exactly where it is put.
     xcb_create_window(connection, XCB_COPY_FROM_PARENT, window, screen->root, static_cast<std::int16_t>(x),
                       static_cast<std::int16_t>(y), static_cast<std::uint16_t>(width),
                       static_cast<std::uint16_t>(height), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
                       screen->root_visual, XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK,
                       values);
-    xcb_map_window(connection, window);
+    constexpr char name[] = "flash\0Flash";
+    xcb_change_property(connection, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8,
+                        sizeof name, name);
+    const std::uint32_t hints[18] = {1, static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y)};
+    xcb_change_property(connection, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NORMAL_HINTS,
+                        XCB_ATOM_WM_SIZE_HINTS, 32, 18, hints);
+    // A window manager that is just starting misses the first request: the window asks until it is mapped.
+    do {
+        xcb_map_window(connection, window);
+        xcb_flush(connection);
+        usleep(50000);
+    } while (managed && !viewable(connection, window));
     const xcb_gcontext_t context = xcb_generate_id(connection);
     xcb_create_gc(connection, context, window, 0, nullptr);
     xcb_flush(connection);
     bool white = false;
     while (xcb_generic_event_t* event = xcb_wait_for_event(connection)) {
-        if ((event->response_type & 0x7F) == XCB_BUTTON_PRESS) white = !white;
+        const bool click = (event->response_type & 0x7F) == XCB_BUTTON_PRESS;
+        if (click) white = !white;
         std::free(event);
         const std::uint32_t color = white ? screen->white_pixel : screen->black_pixel;
         xcb_change_gc(connection, context, XCB_GC_FOREGROUND, &color);
@@ -37,7 +102,9 @@ int main(int argc, char** argv) {
                                   static_cast<std::uint16_t>(height)};
         xcb_poly_fill_rectangle(connection, window, context, 1, &all);
         xcb_flush(connection);
+        if (click && beeper != nullptr) beeper->beep();
     }
+    delete beeper;
     xcb_disconnect(connection);
     return 0;
 }

@@ -6,6 +6,8 @@
 #include "RecordCore/Model/AtomicFile.h"
 #include "RecordCore/Model/InputLog.h"
 #include "RecordCore/Model/RecordingFiles.h"
+#include "Tests/System/NumberedPicture.h"
+#include "Tests/System/PipeWireSession.h"
 #include "Tests/System/PulseDaemon.h"
 #include "Tests/System/XSession.h"
 
@@ -122,8 +124,48 @@ double tone(SoundReader& sound, double from, double frequency) {
 
 } // namespace
 
-TEST_F(Recording, ClicksAndWhatTheyDoOnTheScreenAgree) {
-    ChildProcess flash({OMBREL_FLASH_PROGRAM, "100", "80", "400", "300"}, {});
+/// The median distance of what happened from when it should have: a machine that is busy with other tests may
+/// delay one or the other, but not move them all.
+double usualDistance(const std::vector<double>& happened, const std::vector<InputLog::Event>& clicks) {
+    if (happened.size() != clicks.size() || clicks.empty()) return 1e9;
+    std::vector<double> distances;
+    for (std::size_t i = 0; i < clicks.size(); ++i)
+        distances.push_back(std::abs(happened[i] - clicks[i].t));
+    std::nth_element(distances.begin(), distances.begin() + static_cast<std::ptrdiff_t>(clicks.size() / 2),
+                     distances.end());
+    return distances[clicks.size() / 2];
+}
+
+/// Seconds at which sound begins after a tenth of a second without.
+std::vector<double> onsets(SoundReader& sound) {
+    std::vector<float> samples(2 * static_cast<std::size_t>(sound.end()));
+    sound.read(0, samples);
+    std::vector<double> found;
+    std::size_t quiet = 0;
+    for (std::size_t i = 0; i < samples.size(); i += 2) {
+        if (std::abs(samples[i]) > 0.2F) {
+            if (quiet > soundRate / 10) found.push_back(static_cast<double>(i / 2) / soundRate);
+            quiet = 0;
+        } else {
+            ++quiet;
+        }
+    }
+    return found;
+}
+
+std::vector<InputLog::Event> clicksOf(const InputLog& log) {
+    std::vector<InputLog::Event> clicks;
+    for (const auto& event : log.events)
+        if (event.kind == Kind::click) clicks.push_back(event);
+    return clicks;
+}
+
+TEST_F(Recording, ClicksAndWhatTheyDoOnTheScreenAndInTheSoundAgree) {
+    std::optional<PulseDaemon> daemon;
+    if (PulseDaemon::installed()) daemon.emplace();
+    std::vector<std::string> command{OMBREL_FLASH_PROGRAM, "100", "80", "400", "300"};
+    if (daemon) command.emplace_back("beep");
+    ChildProcess flash(command, {});
     ASSERT_TRUE(eventually(10, [this] {
         session->movePointer(150, 180);
         const XcbReply<xcb_query_pointer_reply_t> over(xcb_query_pointer_reply(
@@ -131,47 +173,121 @@ TEST_F(Recording, ClicksAndWhatTheyDoOnTheScreenAgree) {
             xcb_query_pointer(session->connection().get(), session->connection().root()), nullptr));
         return over && over->child != XCB_WINDOW_NONE;
     }));
-    record();
-    constexpr int clicks = 9;
-    for (int i = 0; i < clicks; ++i) {
+    record(daemon ? std::vector<std::string>{"--system-sound"} : std::vector<std::string>());
+    constexpr int count = 9;
+    for (int i = 0; i < count; ++i) {
         session->movePointer(150 + 30 * i, 180);
         session->click(1);
-        std::this_thread::sleep_for(std::chrono::milliseconds(170 + 13 * i)); // at no beat of the frames
+        std::this_thread::sleep_for(std::chrono::milliseconds(230 + 13 * i)); // at no beat of the frames
     }
     ASSERT_EQ(stop(), 0) << said();
     expectComplete();
 
-    std::vector<InputLog::Event> seen;
     const InputLog log = InputLog::load(files.input());
-    for (const auto& event : log.events)
-        if (event.kind == Kind::click) seen.push_back(event);
-    ASSERT_EQ(seen.size(), static_cast<std::size_t>(clicks));
+    const auto clicks = clicksOf(log);
+    ASSERT_EQ(clicks.size(), static_cast<std::size_t>(count));
     std::vector<double> flashes;
     int before = 0;
     for (const auto& [time, value] : luma(300, 300)) {
         if (std::abs(value - before) > 100 && before != 0) flashes.push_back(time);
         before = value;
     }
-    ASSERT_EQ(flashes.size(), seen.size());
-    std::vector<double> distances;
-    for (std::size_t i = 0; i < seen.size(); ++i) {
-        EXPECT_EQ(*seen[i].x, (150 + 30 * static_cast<double>(i)) / 800);
-        EXPECT_EQ(*seen[i].y, 180.0 / 600);
-        distances.push_back(std::abs(flashes[i] - seen[i].t));
+    for (std::size_t i = 0; i < clicks.size(); ++i) {
+        EXPECT_EQ(*clicks[i].x, (150 + 30 * static_cast<double>(i)) / 800);
+        EXPECT_EQ(*clicks[i].y, 180.0 / 600);
     }
-    // The median: a machine that is busy with other tests may delay one or the other, but not move them all.
-    std::nth_element(distances.begin(), distances.begin() + clicks / 2, distances.end());
-    EXPECT_LE(distances[clicks / 2], 0.025);
-    RecordProperty("medianMilliseconds", std::to_string(distances[clicks / 2] * 1000));
+    const double seen = usualDistance(flashes, clicks);
+    EXPECT_LE(seen, 0.025);
+    RecordProperty("flashMilliseconds", std::to_string(seen * 1000));
+    if (daemon) {
+        const double heard = usualDistance(onsets(*FFmpeg::openSound(files.video()).front()), clicks);
+        EXPECT_LE(heard, 0.025);
+        RecordProperty("beepMilliseconds", std::to_string(heard * 1000));
+    }
 
     // The pointer's track leads through the clicks, and the pointer is not in the picture: where it stood,
     // the window is as plain as beside it.
-    for (const auto& click : seen)
+    for (const auto& click : clicks)
         EXPECT_TRUE(std::any_of(log.cursor.begin(), log.cursor.end(), [&click](const auto& sample) {
             return sample.x == *click.x && std::abs(sample.t - click.t) < 0.2;
         }));
-    const auto under = luma(150 + 30 * (clicks - 1) + 2, 183);
+    const auto under = luma(150 + 30 * (count - 1) + 2, 183);
     EXPECT_NEAR(under.back().second, luma(300, 300).back().second, 3);
+}
+
+TEST_F(Recording, ClicksOnAWindowStandWhereTheyStandInItsPicture) {
+    ChildProcess flash({OMBREL_FLASH_PROGRAM, "120", "90", "301", "201", "managed"}, {});
+    X11Connection& line = session->connection();
+    const xcb_atom_t list = line.atom("_NET_CLIENT_LIST");
+    std::vector<std::uint32_t> windows;
+    ASSERT_TRUE(eventually(10, [&] {
+        windows = line.values(line.root(), list, XCB_ATOM_WINDOW);
+        return windows.size() == 1;
+    }));
+    const auto corner = [&] {
+        const XcbReply<xcb_translate_coordinates_reply_t> origin(xcb_translate_coordinates_reply(
+            line.get(), xcb_translate_coordinates(line.get(), windows[0], line.root(), 0, 0), nullptr));
+        return origin ? std::pair<int, int>(origin->dst_x, origin->dst_y) : std::pair(0, 0);
+    };
+    record({"--window", std::to_string(windows[0])});
+    const auto [left, top] = corner();
+    session->movePointer(left + 7, top + 11);
+    session->click(1);
+    session->movePointer(5, 5); // not on the window: no click of it
+    session->click(1);
+    session->movePointer(left + 250, top + 150);
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    ASSERT_EQ(stop(), 0) << said();
+    expectComplete();
+    const auto clicks = clicksOf(InputLog::load(files.input()));
+    ASSERT_EQ(clicks.size(), 1U);
+
+    // The white inside of the window, in the picture's pixels.
+    const auto reader = FFmpeg::openVideo(files.video(), 1);
+    int x = -1, y = -1, width = 0, height = 0;
+    while (auto frame = reader->next()) {
+        const PlanarView& picture = frame->picture;
+        width = picture.width;
+        height = picture.height;
+        const auto white = [&](int px, int py) {
+            return picture.planes[0][py * picture.strides[0] + px] > 200;
+        };
+        // From the middle to the left and up, so that no title is in the way.
+        if (!white(width / 2, height - 60)) continue;
+        for (x = width / 2; x > 0 && white(x - 1, height - 60); --x) {
+        }
+        for (y = height - 60; y > 0 && white(width / 2, y - 1); --y) {
+        }
+    }
+    ASSERT_GE(x, 0) << "never white";
+    EXPECT_NEAR(*clicks[0].x * width, x + 7, 1e-6);
+    EXPECT_NEAR(*clicks[0].y * height, y + 11, 1e-6);
+}
+
+TEST_F(Recording, TheCameraStandsBesideTheScreenInTime) {
+    if (!PipeWireSession::installed())
+        GTEST_SKIP() << "pipewire, wireplumber or dbus-daemon is not installed";
+    PipeWireSession cameras;
+    cameras.plugCamera("cam", "yuyv", 640, 480, 30);
+    record({"--camera"});
+    ASSERT_TRUE(eventually(20, [this] { return JournalContents::read(files.journal()).camera.has_value(); }))
+        << said();
+    std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+    const double origin = *JournalContents::read(files.journal()).origin;
+    ASSERT_EQ(stop(), 0) << said();
+    expectComplete();
+    const InputLog log = InputLog::load(files.input());
+    ASSERT_TRUE(log.cameraOffset);
+    const auto taken = cameras.taken("cam");
+    const auto reader = FFmpeg::openVideo(files.camera(), 1);
+    std::vector<double> errors;
+    while (const auto frame = reader->next()) {
+        const auto moment = taken.find(readNumber(frame->picture));
+        ASSERT_NE(moment, taken.end());
+        errors.push_back(std::abs(origin + *log.cameraOffset + frame->time - moment->second));
+    }
+    ASSERT_GE(errors.size(), 15U);
+    EXPECT_LT(*std::max_element(errors.begin(), errors.end()), 0.001);
 }
 
 TEST_F(Recording, KeysAreMomentsAndScrollsAreThinned) {
@@ -396,6 +512,11 @@ TEST_F(Recording, TheSelfTestPassesAndReportsEveryLine) {
         whole += (whole.empty() ? "" : "\n") + pattern;
     EXPECT_THAT(report, testing::MatchesRegex(whole)) << said();
     EXPECT_GT(FFmpeg::sourceInfo(files.folder / "export.mp4").duration, 1);
+    struct stat facts {};
+    for (const char* name : {"recording.mp4", "input.json", "export.mp4", "report.txt"}) {
+        ASSERT_EQ(stat((files.folder / name).c_str(), &facts), 0);
+        EXPECT_EQ(facts.st_mode & 0777, 0600) << name;
+    }
 }
 
 TEST(SelfTest, SaysThatThereIsNoDisplay) {
