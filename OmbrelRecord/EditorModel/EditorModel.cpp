@@ -3,6 +3,8 @@
 #include "OmbrelRecord/AppModel/Diag.h"
 #include "OmbrelRecord/EditorModel/ProjectEditing.h"
 #include "OmbrelRecord/EditorModel/ProjectFields.h"
+#include "OmbrelRecord/Transcriber/CaptionFile.h"
+#include "OmbrelRecord/Transcriber/Language.h"
 #include "RecordCore/Model/OutputFormat.h"
 #include "RecordCore/Model/RecordingError.h"
 #include "RecordCore/Planning/Planner.h"
@@ -599,10 +601,34 @@ void EditorModel::cancelCaptions() {
     captionsCancelled = true;
 }
 
+QString EditorModel::captionsLanguage() const {
+    const QString chosen = QSettings().value(languageKey).toString();
+    return chosen.isEmpty() ? QString::fromStdString(Language::ofUser()) : chosen;
+}
+
+QString EditorModel::saveCaptions(const QUrl& file) const {
+    const QString path = file.toLocalFile();
+    const auto format = path.endsWith(QLatin1String(".vtt"), Qt::CaseInsensitive) ? CaptionFile::Format::vtt
+                                                                                  : CaptionFile::Format::srt;
+    try {
+        CaptionFile::write(CaptionFile::text(CaptionFile::lines(current, &currentPlan), format),
+                           path.toStdString());
+        return {};
+    } catch (const std::exception& error) {
+        Diag::log(std::string("editor: captions not saved ") + error.what());
+        return tr("The captions couldn't be saved there: %1. Choose another folder.")
+            .arg(QString::fromUtf8(error.what()));
+    }
+}
+
 // For views.
 
 QVariantMap EditorModel::projectFields() const {
     return ProjectFields::read(current);
+}
+
+QVariantMap EditorModel::defaultFields() {
+    return ProjectFields::read(Project());
 }
 
 QVariantList EditorModel::segmentList() const {

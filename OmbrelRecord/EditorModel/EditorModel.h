@@ -12,6 +12,7 @@
 #include <QtCore/QSize>
 #include <QtCore/QString>
 #include <QtCore/QTimer>
+#include <QtCore/QUrl>
 #include <QtCore/QVariant>
 #include <atomic>
 #include <functional>
@@ -30,6 +31,7 @@ class EditorModel : public QObject {
     Q_PROPERTY(QString name READ name CONSTANT)
     Q_PROPERTY(double duration READ duration CONSTANT)
     Q_PROPERTY(QVariantMap project READ projectFields NOTIFY projectChanged)
+    Q_PROPERTY(QVariantMap defaults READ defaultFields CONSTANT)
     Q_PROPERTY(bool canUndo READ canUndo NOTIFY projectChanged)
     Q_PROPERTY(bool canRedo READ canRedo NOTIFY projectChanged)
     Q_PROPERTY(double outputDuration READ outputDuration NOTIFY planChanged)
@@ -44,6 +46,7 @@ class EditorModel : public QObject {
     Q_PROPERTY(bool hasCamera READ hasCamera CONSTANT)
     Q_PROPERTY(bool hasSound READ hasSound CONSTANT)
     Q_PROPERTY(QSize sourceSize READ sourceSize CONSTANT)
+    Q_PROPERTY(QSizeF viewBase READ viewBase NOTIFY planChanged)
     Q_PROPERTY(QVariantList captions READ captionList NOTIFY projectChanged)
     Q_PROPERTY(bool rendering READ rendering NOTIFY renderingChanged)
     Q_PROPERTY(double playhead READ playhead WRITE seek NOTIFY playheadChanged)
@@ -174,6 +177,8 @@ public:
     /// that goes on, exactly one more round follows.
     void rebuild(double delay = 0);
     bool rendering() const { return isRendering; }
+    /// What the camera sees at zoom 1, as shares of the cropped recording.
+    QSizeF viewBase() const { return {currentPlan.baseW, currentPlan.baseH}; }
     double outputDuration() const { return currentPlan.outputDuration(); }
 
     double playhead() const { return head; } ///< output seconds
@@ -214,6 +219,11 @@ public:
     /// Recognises what is said and shows it as captions. The language chosen is remembered.
     Q_INVOKABLE void generateCaptions(const QString& language = {});
     Q_INVOKABLE void cancelCaptions();
+    /// The language chosen last; the user's own before there is one.
+    Q_INVOKABLE QString captionsLanguage() const;
+    /// Writes the captions, in the film's time, as SubRip or WebVTT by the file's ending. What went wrong is
+    /// returned; nothing when it went well.
+    Q_INVOKABLE QString saveCaptions(const QUrl& file) const;
 
     QString saveFailure() const { return saveProblem; }
 
@@ -244,6 +254,7 @@ private:
     double viewportAspect() const;
 
     QVariantMap projectFields() const;
+    static QVariantMap defaultFields();
     QVariantList segmentList() const;
     QVariantList speedBlockList() const;
     QVariantList zoomBlockList() const;

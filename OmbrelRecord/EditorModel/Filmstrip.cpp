@@ -9,7 +9,8 @@ namespace {
 
 constexpr qsizetype memory = 32'000; ///< kilobytes of pictures kept
 constexpr double finest = 0.125;     ///< seconds between two pictures of level 0
-constexpr int coarsest = 20;
+constexpr int steps = 4;             ///< from one level to the one twice as far
+constexpr int coarsest = 80;
 
 } // namespace
 
@@ -27,12 +28,14 @@ Filmstrip::Filmstrip(const RecordCore::MediaBackend& media, const std::filesyste
 }
 
 int Filmstrip::levelFor(double seconds) {
-    if (!(seconds > finest)) return 0;
-    return std::min(coarsest, static_cast<int>(std::ceil(std::log2(seconds / finest) - 1e-9)));
+    int level = 0;
+    while (level < coarsest && distance(level + 1) <= seconds)
+        ++level;
+    return level;
 }
 
 double Filmstrip::distance(int level) {
-    return std::ldexp(finest, level);
+    return std::ldexp(finest * (1 + level % steps / static_cast<double>(steps)), level / steps);
 }
 
 quint64 Filmstrip::key(int level, qint64 slot) {
@@ -44,10 +47,12 @@ const QImage* Filmstrip::picture(int level, qint64 slot) const {
 }
 
 const QImage* Filmstrip::standIn(int level, qint64 slot) const {
-    for (int other = level + 1; other <= std::min(level + 4, coarsest); ++other)
-        if (const QImage* image = picture(other, slot >> (other - level))) return image;
-    for (int other = level - 1; other >= std::max(level - 4, 0); --other)
-        if (const QImage* image = picture(other, slot << (level - other))) return image;
+    const double time = static_cast<double>(slot) * distance(level);
+    for (int apart = 1; apart <= 3 * steps; ++apart)
+        for (const int other : {level + apart, level - apart}) {
+            if (other < 0 || other > coarsest) continue;
+            if (const QImage* image = picture(other, std::llround(time / distance(other)))) return image;
+        }
     return nullptr;
 }
 

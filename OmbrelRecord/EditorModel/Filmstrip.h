@@ -18,13 +18,14 @@ public:
     Filmstrip(const RecordCore::MediaBackend& media, const std::filesystem::path& video, double duration,
               int height, QObject* parent = nullptr);
 
-    /// The level whose pictures stand at least `seconds` apart, and how far apart they stand.
+    /// The level whose pictures stand at most `seconds` apart (the finest where none does), and how far apart
+    /// they stand.
     static int levelFor(double seconds);
     static double distance(int level);
 
     /// The picture of a slot; null while it is not decoded yet.
     const QImage* picture(int level, qint64 slot) const;
-    /// The nearest picture of another level that lies within this one's distance: better than none.
+    /// A picture of another level that stands near: better than none.
     const QImage* standIn(int level, qint64 slot) const;
 
     /// The slots that show now. Those a little to either side are decoded after them.

@@ -40,19 +40,19 @@ TimelineController::TimelineController(QObject* parent) : QObject(parent) {
 TimelineController::Row TimelineController::row(Zone zone, bool sound) {
     const double soundHeight = sound ? 26 : 0;
     switch (zone) {
-    case Zone::ruler:
+    case Zone::Ruler:
         return {0, 24};
-    case Zone::film:
+    case Zone::Film:
         return {24, 56};
-    case Zone::sound:
+    case Zone::Sound:
         return {80, soundHeight};
-    case Zone::activity:
+    case Zone::Activity:
         return {80 + soundHeight, 20};
-    case Zone::speed:
+    case Zone::Speed:
         return {108 + soundHeight, 30};
-    case Zone::zoom:
+    case Zone::Zoom:
         return {144 + soundHeight, 30};
-    case Zone::none:
+    case Zone::None:
         break;
     }
     return {0, 180 + soundHeight};
@@ -63,19 +63,19 @@ TimelineController::Row TimelineController::row(Zone zone) const {
 }
 
 double TimelineController::height() const {
-    return row(Zone::none).height;
+    return row(Zone::None).height;
 }
 
 TimelineController::Zone TimelineController::zoneAt(double y) const {
-    for (const Zone zone : {Zone::ruler, Zone::film, Zone::sound, Zone::activity, Zone::speed, Zone::zoom}) {
+    for (const Zone zone : {Zone::Ruler, Zone::Film, Zone::Sound, Zone::Activity, Zone::Speed, Zone::Zoom}) {
         const Row here = row(zone);
         if (here.height > 0 && y >= here.y && y < here.bottom()) return zone;
     }
     // Between the lanes the nearer one is meant.
-    if (y >= row(Zone::activity).bottom() && y < row(Zone::speed).y) return Zone::activity;
-    if (y >= row(Zone::speed).bottom() && y < row(Zone::zoom).y)
-        return y < row(Zone::speed).bottom() + 3 ? Zone::speed : Zone::zoom;
-    return Zone::none;
+    if (y >= row(Zone::Activity).bottom() && y < row(Zone::Speed).y) return Zone::Activity;
+    if (y >= row(Zone::Speed).bottom() && y < row(Zone::Zoom).y)
+        return y < row(Zone::Speed).bottom() + 3 ? Zone::Speed : Zone::Zoom;
+    return Zone::None;
 }
 
 void TimelineController::setEditor(EditorModel* editor) {
@@ -163,7 +163,7 @@ void TimelineController::seekSource(double source) {
 // What there is.
 
 double TimelineController::shortest(Zone lane) {
-    return lane == Zone::zoom ? ProjectEditing::shortestZoomBlock : ProjectEditing::shortestSpeedBlock;
+    return lane == Zone::Zoom ? ProjectEditing::shortestZoomBlock : ProjectEditing::shortestSpeedBlock;
 }
 
 std::vector<TimeRange> TimelineController::ranges(Zone lane) const {
@@ -174,13 +174,13 @@ std::vector<TimeRange> TimelineController::ranges(Zone lane) const {
         for (const auto& block : blocks)
             list.push_back({block.start, block.end});
     };
-    if (lane == Zone::speed) collect(model->speedBlocks());
-    if (lane == Zone::zoom) collect(model->zoomBlocks());
+    if (lane == Zone::Speed) collect(model->speedBlocks());
+    if (lane == Zone::Zoom) collect(model->zoomBlocks());
     return list;
 }
 
 Uuid TimelineController::idAt(Zone lane, std::size_t index) const {
-    return lane == Zone::speed ? model->speedBlocks()[index].id : model->zoomBlocks()[index].id;
+    return lane == Zone::Speed ? model->speedBlocks()[index].id : model->zoomBlocks()[index].id;
 }
 
 std::optional<std::size_t> TimelineController::selectedIndex(Zone lane) const {
@@ -191,10 +191,10 @@ std::optional<std::size_t> TimelineController::selectedIndex(Zone lane) const {
         return std::nullopt;
     };
     if (const auto* speed = std::get_if<EditorModel::Selection::Speed>(&model->selection());
-        speed && lane == Zone::speed)
+        speed && lane == Zone::Speed)
         return find(model->speedBlocks(), speed->id);
     if (const auto* zoom = std::get_if<EditorModel::Selection::Zoom>(&model->selection());
-        zoom && lane == Zone::zoom)
+        zoom && lane == Zone::Zoom)
         return find(model->zoomBlocks(), zoom->id);
     return std::nullopt;
 }
@@ -204,7 +204,7 @@ std::optional<Held> TimelineController::blockAt(Zone lane, double x) const {
 }
 
 void TimelineController::selectBlock(Zone lane, const Uuid& id) {
-    if (lane == Zone::speed)
+    if (lane == Zone::Speed)
         model->select(EditorModel::Selection::Speed{id});
     else
         model->select(EditorModel::Selection::Zoom{id});
@@ -215,14 +215,14 @@ void TimelineController::setBlock(Zone lane, const Uuid& id, const TimeRange& ra
         block.start = range.start;
         block.end = range.end;
     };
-    if (lane == Zone::speed)
+    if (lane == Zone::Speed)
         model->editSpeed(id, place);
     else
         model->editZoom(id, place);
 }
 
 void TimelineController::add(Zone lane, const TimeRange& range) {
-    if (lane == Zone::speed)
+    if (lane == Zone::Speed)
         model->setSpeed(range, newSpeed);
     else
         model->addZoom(range);
@@ -305,7 +305,7 @@ void TimelineController::hover(double x, double y) {
     Qt::CursorShape over = Qt::ArrowCursor;
     std::optional<Uuid> block;
     int trim = 0;
-    if (zone == Zone::speed || zone == Zone::zoom) {
+    if (zone == Zone::Speed || zone == Zone::Zoom) {
         const auto held = blockAt(zone, x);
         if (held) {
             block = idAt(zone, held->index);
@@ -313,14 +313,14 @@ void TimelineController::hover(double x, double y) {
         } else {
             over = Qt::CrossCursor;
         }
-    } else if (zone == Zone::film || zone == Zone::sound || zone == Zone::activity) {
-        trim = zone == Zone::film ? trimAt(x) : 0;
+    } else if (zone == Zone::Film || zone == Zone::Sound || zone == Zone::Activity) {
+        trim = zone == Zone::Film ? trimAt(x) : 0;
         over = trim || rangeEdgeAt(x) ? Qt::SizeHorCursor : Qt::IBeamCursor;
-    } else if (zone == Zone::ruler) {
+    } else if (zone == Zone::Ruler) {
         over = Qt::PointingHandCursor;
     }
     const bool redraw = block != hoveredId || trim != overTrim;
-    hovered = zone == Zone::none ? -1 : x;
+    hovered = zone == Zone::None ? -1 : x;
     hoveredZone = zone;
     hoveredId = block;
     overTrim = trim;
@@ -331,7 +331,7 @@ void TimelineController::hover(double x, double y) {
 
 void TimelineController::leave() {
     hovered = -1;
-    hoveredZone = Zone::none;
+    hoveredZone = Zone::None;
     const bool redraw = hoveredId || overTrim;
     hoveredId.reset();
     overTrim = 0;
@@ -348,17 +348,17 @@ QString TimelineController::hoverText() const {
 void TimelineController::press(double x, double y, bool extend) {
     if (!model || drag) return;
     const Zone zone = zoneAt(y);
-    if (zone == Zone::none) return;
+    if (zone == Zone::None) return;
     Drag begun;
     begun.pressX = x;
     begun.pressTime = view.timeInside(x);
     begun.lane = zone;
-    if (zone == Zone::ruler) {
+    if (zone == Zone::Ruler) {
         drag = begun;
         seekSource(begun.pressTime);
         return;
     }
-    if (zone == Zone::speed || zone == Zone::zoom) {
+    if (zone == Zone::Speed || zone == Zone::Zoom) {
         if (const auto held = blockAt(zone, x)) {
             const std::vector<TimeRange> blocks = ranges(zone);
             begun.doing = Doing::block;
@@ -381,7 +381,7 @@ void TimelineController::press(double x, double y, bool extend) {
         drag = std::move(begun);
         return;
     }
-    const int trim = zone == Zone::film ? trimAt(x) : 0;
+    const int trim = zone == Zone::Film ? trimAt(x) : 0;
     const auto edge = rangeEdgeAt(x);
     if (trim) {
         begun.doing = trim < 0 ? Doing::trimStart : Doing::trimEnd;
@@ -536,12 +536,13 @@ bool TimelineController::cancel() {
 void TimelineController::doubleClick(double x, double y) {
     if (!model) return;
     const Zone zone = zoneAt(y);
-    if (zone != Zone::speed && zone != Zone::zoom) return;
+    if (zone != Zone::Speed && zone != Zone::Zoom) return;
     if (blockAt(zone, x)) return;
+    drag.reset(); // of the second press; nothing was drawn yet
     const double time = view.timeInside(x);
     const auto gap = gapAt(zone, time);
     if (!gap) return;
-    const double length = std::min(zone == Zone::speed ? newSpeedSeconds : newZoomSeconds, gap->length());
+    const double length = std::min(zone == Zone::Speed ? newSpeedSeconds : newZoomSeconds, gap->length());
     if (length < shortest(zone)) return;
     const double start = std::clamp(time - length / 2, gap->start, gap->end - length);
     add(zone, {start, start + length});
@@ -575,8 +576,8 @@ QRectF TimelineController::selectionRect() const {
         return QRectF(left, y, std::max(view.x(range.end) - left, 4.0), height);
     };
     if (const auto* range = std::get_if<TimeRange>(&model->selection()))
-        return rect(*range, row(Zone::film).y, row(Zone::activity).bottom() - row(Zone::film).y);
-    for (const Zone lane : {Zone::speed, Zone::zoom})
+        return rect(*range, row(Zone::Film).y, row(Zone::Activity).bottom() - row(Zone::Film).y);
+    for (const Zone lane : {Zone::Speed, Zone::Zoom})
         if (const auto index = selectedIndex(lane))
             return rect(ranges(lane)[*index], row(lane).y, row(lane).height);
     return {};
@@ -585,7 +586,7 @@ QRectF TimelineController::selectionRect() const {
 QString TimelineController::selectionKind() const {
     if (!model || selectionRect().isEmpty()) return QStringLiteral("none");
     if (std::holds_alternative<TimeRange>(model->selection())) return QStringLiteral("range");
-    return selectedIndex(Zone::speed) ? QStringLiteral("speed") : QStringLiteral("zoom");
+    return selectedIndex(Zone::Speed) ? QStringLiteral("speed") : QStringLiteral("zoom");
 }
 
 QString TimelineController::selectionText() const {
@@ -595,11 +596,11 @@ QString TimelineController::selectionText() const {
     };
     if (const auto* range = std::get_if<TimeRange>(&model->selection()))
         return tr("Selected range, %1").arg(span(range->start, range->end));
-    if (const auto index = selectedIndex(Zone::speed)) {
+    if (const auto index = selectedIndex(Zone::Speed)) {
         const SpeedBlock& block = model->speedBlocks()[*index];
         return tr("Speed block, %1, %2").arg(speedText(block.speed), span(block.start, block.end));
     }
-    if (const auto index = selectedIndex(Zone::zoom)) {
+    if (const auto index = selectedIndex(Zone::Zoom)) {
         const ZoomBlock& block = model->zoomBlocks()[*index];
         return tr("Zoom block, %1, %2").arg(speedText(block.zoom), span(block.start, block.end));
     }
@@ -645,7 +646,7 @@ void TimelineController::nudge(double seconds, int edge) {
         model->selectRange(moved.range.start, moved.range.end);
         return;
     }
-    for (const Zone lane : {Zone::speed, Zone::zoom})
+    for (const Zone lane : {Zone::Speed, Zone::Zoom})
         if (const auto index = selectedIndex(lane)) {
             const std::vector<TimeRange> blocks = ranges(lane);
             const auto limits = TimelineEditing::limitsOf(blocks, *index, model->duration(), shortest(lane));
@@ -657,7 +658,7 @@ void TimelineController::nudge(double seconds, int edge) {
 
 void TimelineController::step(int direction) {
     if (!model) return;
-    if (const auto index = selectedIndex(Zone::speed)) {
+    if (const auto index = selectedIndex(Zone::Speed)) {
         const SpeedBlock block = model->speedBlocks()[*index];
         double next = block.speed;
         if (direction > 0) {
@@ -674,7 +675,7 @@ void TimelineController::step(int direction) {
             if (changed.speed != next) changed.reason = SpeedSegment::Reason::manual;
             changed.speed = next;
         });
-    } else if (const auto zoom = selectedIndex(Zone::zoom)) {
+    } else if (const auto zoom = selectedIndex(Zone::Zoom)) {
         const ZoomBlock block = model->zoomBlocks()[*zoom];
         const double next = std::clamp(std::round((block.zoom + direction * 0.1) * 10) / 10, 1.0, 4.0);
         model->editZoom(block.id, [next](ZoomBlock& changed) { changed.zoom = next; });
@@ -686,7 +687,7 @@ void TimelineController::addAtPlayhead(Zone lane) {
     const double time = model->sourceTime();
     const auto gap = gapAt(lane, time);
     if (!gap) return;
-    const double length = std::min(lane == Zone::speed ? newSpeedSeconds : newZoomSeconds, gap->length());
+    const double length = std::min(lane == Zone::Speed ? newSpeedSeconds : newZoomSeconds, gap->length());
     if (length < shortest(lane)) return;
     const double start = std::min(time, gap->end - length);
     add(lane, {start, start + length});

@@ -23,6 +23,8 @@ class TimelineController : public QObject {
     Q_PROPERTY(double start READ start WRITE setStart NOTIFY scaleChanged)
     Q_PROPERTY(double shown READ shown NOTIFY scaleChanged)
     Q_PROPERTY(double magnification READ magnification NOTIFY scaleChanged)
+    Q_PROPERTY(double coarsest READ coarsest NOTIFY scaleChanged)
+    Q_PROPERTY(double finest READ finest NOTIFY scaleChanged)
     Q_PROPERTY(bool fits READ fits NOTIFY scaleChanged)
     Q_PROPERTY(double playheadX READ playheadX NOTIFY playheadMoved)
     Q_PROPERTY(double snapX READ snapX NOTIFY dragChanged)
@@ -37,7 +39,7 @@ class TimelineController : public QObject {
     Q_PROPERTY(bool selectionRestorable READ selectionRestorable NOTIFY selectionMoved)
 
 public:
-    enum class Zone { none, ruler, film, sound, activity, speed, zoom };
+    enum class Zone { None, Ruler, Film, Sound, Activity, Speed, Zoom };
     Q_ENUM(Zone)
 
     struct Row {
@@ -65,6 +67,8 @@ public:
     void setStart(double start);
     double shown() const { return view.shown(); }
     double magnification() const { return view.coarsest() / view.secondsPerPixel; }
+    double coarsest() const { return view.coarsest(); } ///< seconds per pixel
+    double finest() const { return view.finest(); }
     bool fits() const { return view.fits(); }
     Row row(Zone zone) const;
     Q_INVOKABLE double rowTop(OmbrelRecord::TimelineController::Zone zone) const { return row(zone).y; }
@@ -88,7 +92,7 @@ public:
 
     /// A block that is being drawn on an empty stretch of a lane.
     struct Draft {
-        Zone lane = Zone::none;
+        Zone lane = Zone::None;
         RecordCore::TimeRange range;
     };
     std::optional<Draft> draft() const;
@@ -116,7 +120,7 @@ public:
     Q_INVOKABLE void showSelection();
     Q_INVOKABLE void revealPlayhead();
 
-    // From the keyboard. `lane` is Zone::speed or Zone::zoom.
+    // From the keyboard. `lane` is Zone::Speed or Zone::Zoom.
     Q_INVOKABLE bool selectNeighbour(OmbrelRecord::TimelineController::Zone lane, int direction);
     /// Moves what is selected, or with `edge` −1 or 1 only its start or end.
     Q_INVOKABLE void nudge(double seconds, int edge = 0);
@@ -154,7 +158,7 @@ private:
         double pressX = 0;
         double pressTime = 0;
         bool moved = false;
-        Zone lane = Zone::none;
+        Zone lane = Zone::None;
         RecordCore::Uuid id;
         TimelineEditing::Grip grip = TimelineEditing::Grip::body;
         RecordCore::TimeRange before;
@@ -188,7 +192,7 @@ private:
     TimelineScale view;
     std::optional<Drag> drag;
     double hovered = -1;
-    Zone hoveredZone = Zone::none;
+    Zone hoveredZone = Zone::None;
     std::optional<RecordCore::Uuid> hoveredId;
     int overTrim = 0;
     Qt::CursorShape shape = Qt::ArrowCursor;

@@ -88,11 +88,11 @@ protected:
 
 TEST_F(TimelineControllerTest, ADragIsOneStepHoweverSlow) {
     const Project before = model->project();
-    drag(15, 19, Zone::speed);
+    drag(15, 19, Zone::Speed);
     EXPECT_NEAR(model->speedBlocks()[0].start, 14, 1e-9);
     EXPECT_NEAR(model->speedBlocks()[0].end, 24, 1e-9);
     EXPECT_EQ(timeline.selectionKind(), QStringLiteral("speed"));
-    drag(14.2, 12, Zone::speed); // its handle
+    drag(14.2, 12, Zone::Speed); // its handle
     EXPECT_NEAR(model->speedBlocks()[0].start, 11.8, 1e-9);
     EXPECT_NEAR(model->speedBlocks()[0].end, 24, 1e-9);
     model->undo();
@@ -100,15 +100,15 @@ TEST_F(TimelineControllerTest, ADragIsOneStepHoweverSlow) {
     model->undo();
     EXPECT_EQ(model->project(), before);
     EXPECT_FALSE(model->canUndo());
-    drag(15, 60, Zone::speed);
+    drag(15, 60, Zone::Speed);
     EXPECT_EQ(model->speedBlocks()[0].end, 30) << "a block stops at its neighbour";
 }
 
 TEST_F(TimelineControllerTest, AGestureThatIsGivenUpLeavesNoTrace) {
     model->cut(90, 95);
     const Project before = model->project();
-    timeline.press(x(15), y(Zone::speed));
-    timeline.move(x(18), y(Zone::speed));
+    timeline.press(x(15), y(Zone::Speed));
+    timeline.move(x(18), y(Zone::Speed));
     EXPECT_NE(model->project(), before);
     EXPECT_TRUE(timeline.cancel());
     EXPECT_EQ(model->project(), before);
@@ -119,53 +119,53 @@ TEST_F(TimelineControllerTest, AGestureThatIsGivenUpLeavesNoTrace) {
 }
 
 TEST_F(TimelineControllerTest, BlocksAreDrawnOnEmptyStretches) {
-    drag(60, 65, Zone::zoom);
+    drag(60, 65, Zone::Zoom);
     ASSERT_EQ(model->zoomBlocks().size(), 1u);
     EXPECT_NEAR(model->zoomBlocks()[0].start, 60, 1e-9);
     EXPECT_NEAR(model->zoomBlocks()[0].end, 65, 1e-9);
     EXPECT_EQ(timeline.selectionKind(), QStringLiteral("zoom"));
-    drag(25, 35, Zone::speed);
+    drag(25, 35, Zone::Speed);
     ASSERT_EQ(model->speedBlocks().size(), 3u);
     EXPECT_EQ(model->speedBlocks()[1].end, 30) << "up to the next block, not into it";
-    drag(80, 80.1, Zone::zoom);
+    drag(80, 80.1, Zone::Zoom);
     EXPECT_EQ(model->zoomBlocks().size(), 1u) << "a click is no block";
-    timeline.doubleClick(x(80), y(Zone::zoom));
+    timeline.doubleClick(x(80), y(Zone::Zoom));
     ASSERT_EQ(model->zoomBlocks().size(), 2u);
     EXPECT_NEAR(model->zoomBlocks()[1].start, 78.5, 1e-9);
-    timeline.doubleClick(x(80), y(Zone::zoom));
+    timeline.doubleClick(x(80), y(Zone::Zoom));
     EXPECT_EQ(model->zoomBlocks().size(), 2u);
 }
 
 TEST_F(TimelineControllerTest, SnapsToClicksPlayheadAndEdgesAndShowsIt) {
     const double click = 50;
-    timeline.press(x(35), y(Zone::speed));
-    timeline.move(x(35 + 19.6), y(Zone::speed)); // its start, at 49.6, comes near the click
+    timeline.press(x(35), y(Zone::Speed));
+    timeline.move(x(35 + 19.6), y(Zone::Speed)); // its start, at 49.6, comes near the click
     EXPECT_EQ(model->speedBlocks()[1].start, click);
     EXPECT_DOUBLE_EQ(timeline.snapX(), x(click));
-    timeline.move(x(35 + 19.6), y(Zone::speed), true);
+    timeline.move(x(35 + 19.6), y(Zone::Speed), true);
     EXPECT_NEAR(model->speedBlocks()[1].start, 49.6, 1e-9) << "freely";
     EXPECT_EQ(timeline.snapX(), -1);
-    timeline.move(x(35 + 29.7), y(Zone::speed)); // its end comes near the playhead
+    timeline.move(x(35 + 29.7), y(Zone::Speed)); // its end comes near the playhead
     EXPECT_NEAR(model->speedBlocks()[1].end, 70, 1e-9);
     timeline.release();
     EXPECT_EQ(timeline.snapX(), -1);
 }
 
 TEST_F(TimelineControllerTest, RangesAreSelectedCutAndRestored) {
-    drag(60, 65, Zone::film);
+    drag(60, 65, Zone::Film);
     ASSERT_EQ(timeline.selectionKind(), QStringLiteral("range"));
     EXPECT_FALSE(timeline.selectionRestorable());
     EXPECT_FALSE(model->canUndo()) << "selecting is no edit";
     timeline.cutSelection();
     EXPECT_THAT(model->project().cuts, testing::ElementsAre(TimeRange{60, 65}));
     settle();
-    timeline.press(x(62), y(Zone::film));
+    timeline.press(x(62), y(Zone::Film));
     timeline.release();
     EXPECT_TRUE(timeline.selectionRestorable()) << "a click into a cut selects it";
     timeline.restoreSelection();
     EXPECT_TRUE(model->project().cuts.empty());
-    drag(72, 76, Zone::film);
-    drag(76, 78, Zone::film); // the end of what is selected
+    drag(72, 76, Zone::Film);
+    drag(76, 78, Zone::Film); // the end of what is selected
     EXPECT_EQ(std::get<TimeRange>(model->selection()), (TimeRange{72, 78}));
     timeline.speedUpSelection();
     EXPECT_EQ(timeline.selectionKind(), QStringLiteral("speed"));
@@ -173,14 +173,14 @@ TEST_F(TimelineControllerTest, RangesAreSelectedCutAndRestored) {
 }
 
 TEST_F(TimelineControllerTest, TheEndsOfTheFilmAreTrimmed) {
-    timeline.press(x(0) - 4, y(Zone::film));
-    timeline.move(x(5) - 4, y(Zone::film));
+    timeline.press(x(0) - 4, y(Zone::Film));
+    timeline.move(x(5) - 4, y(Zone::Film));
     timeline.release();
     EXPECT_NEAR(model->project().trimStart, 5, 1e-9);
-    timeline.press(x(100) + 4, y(Zone::film));
-    timeline.move(x(90) + 4, y(Zone::film));
+    timeline.press(x(100) + 4, y(Zone::Film));
+    timeline.move(x(90) + 4, y(Zone::Film));
     EXPECT_NEAR(*model->project().trimEnd, 90, 1e-9);
-    timeline.move(x(120), y(Zone::film));
+    timeline.move(x(120), y(Zone::Film));
     timeline.release();
     EXPECT_FALSE(model->project().trimEnd.has_value()) << "at the end it is no trim";
     model->undo();
@@ -189,10 +189,10 @@ TEST_F(TimelineControllerTest, TheEndsOfTheFilmAreTrimmed) {
 }
 
 TEST_F(TimelineControllerTest, KeysReachEveryBlock) {
-    EXPECT_TRUE(timeline.selectNeighbour(Zone::speed, -1));
+    EXPECT_TRUE(timeline.selectNeighbour(Zone::Speed, -1));
     EXPECT_EQ(timeline.selectionText(), QStringLiteral("Speed block, 8×, 0:30.0 to 0:40.0"));
-    EXPECT_TRUE(timeline.selectNeighbour(Zone::speed, -1));
-    EXPECT_FALSE(timeline.selectNeighbour(Zone::speed, -1)) << "there is none before it";
+    EXPECT_TRUE(timeline.selectNeighbour(Zone::Speed, -1));
+    EXPECT_FALSE(timeline.selectNeighbour(Zone::Speed, -1)) << "there is none before it";
     timeline.nudge(0.5);
     EXPECT_EQ(model->speedBlocks()[0].start, 10.5);
     timeline.nudge(-1, 1);
@@ -202,7 +202,7 @@ TEST_F(TimelineControllerTest, KeysReachEveryBlock) {
     timeline.step(-1);
     timeline.step(-1);
     EXPECT_EQ(model->speedBlocks()[0].speed, 3);
-    timeline.addAtPlayhead(Zone::zoom);
+    timeline.addAtPlayhead(Zone::Zoom);
     ASSERT_EQ(model->zoomBlocks().size(), 1u);
     EXPECT_NEAR(model->zoomBlocks()[0].start, 70, 1e-9);
     const double level = model->zoomBlocks()[0].zoom;

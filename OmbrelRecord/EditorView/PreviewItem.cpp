@@ -1,0 +1,98 @@
+#include "OmbrelRecord/EditorView/PreviewItem.h"
+
+#include "OmbrelRecord/EditorModel/PreviewPicture.h"
+
+#include <QtQuick/QQuickWindow>
+#include <QtQuick/QSGImageNode>
+#include <cmath>
+
+namespace OmbrelRecord {
+
+PreviewItem::PreviewItem(QQuickItem* parent) : QQuickItem(parent) {
+    setFlag(ItemHasContents);
+}
+
+void PreviewItem::setEditor(EditorModel* editor) {
+    if (model == editor) return;
+    if (source) {
+        disconnect(source, nullptr, this, nullptr);
+        source->setViewSize({});
+    }
+    model = editor;
+    source = model && model->preview() ? model->preview()->picture() : nullptr;
+    if (source) {
+        connect(source, &PreviewPicture::changed, this, [this] {
+            stale = true;
+            update();
+            Q_EMIT readyChanged();
+        });
+        connect(source, &PreviewPicture::aspectChanged, this, [this] {
+            tellSize();
+            Q_EMIT pictureChanged();
+        });
+    }
+    stale = true;
+    tellSize();
+    update();
+    Q_EMIT editorChanged();
+    Q_EMIT pictureChanged();
+    Q_EMIT readyChanged();
+}
+
+bool PreviewItem::ready() const {
+    return !source || (!source->image().isNull() && source->exact());
+}
+
+QRectF PreviewItem::pictureRect() const {
+    const double aspect = source ? source->aspect() : 16.0 / 9;
+    const double ratio = window() ? window()->effectiveDevicePixelRatio() : 1;
+    const double wide = std::min(width(), height() * aspect);
+    // Whole device pixels, or the picture would be resampled.
+    const double w = std::floor(wide * ratio) / ratio;
+    const double h = std::floor(wide / aspect * ratio) / ratio;
+    return {std::floor((width() - w) / 2 * ratio) / ratio, std::floor((height() - h) / 2 * ratio) / ratio, w,
+            h};
+}
+
+void PreviewItem::tellSize() {
+    if (!source) return;
+    const double ratio = window() ? window()->effectiveDevicePixelRatio() : 1;
+    const bool shows = window() && isVisible() && width() > 0 && height() > 0;
+    source->setViewSize(shows ? (QSizeF(width(), height()) * ratio).toSize() : QSize());
+}
+
+void PreviewItem::geometryChange(const QRectF& now, const QRectF& before) {
+    QQuickItem::geometryChange(now, before);
+    tellSize();
+    update();
+    Q_EMIT pictureChanged();
+}
+
+void PreviewItem::itemChange(ItemChange change, const ItemChangeData& value) {
+    QQuickItem::itemChange(change, value);
+    if (change == ItemSceneChange || change == ItemDevicePixelRatioHasChanged ||
+        change == ItemVisibleHasChanged)
+        tellSize();
+}
+
+QSGNode* PreviewItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
+    auto* node = static_cast<QSGImageNode*>(old);
+    if (!source || source->image().isNull()) {
+        delete node;
+        return nullptr;
+    }
+    if (!node) {
+        node = window()->createImageNode();
+        node->setOwnsTexture(true);
+        stale = true;
+    }
+    if (stale) {
+        node->setTexture(window()->createTextureFromImage(source->image(), QQuickWindow::TextureIsOpaque));
+        stale = false;
+    }
+    node->setFiltering(QSGTexture::Linear);
+    node->setRect(pictureRect());
+    return node;
+}
+
+} // namespace OmbrelRecord
