@@ -31,6 +31,9 @@ constexpr double countdownStep = 0.8; ///< seconds each number shows
 constexpr double tickInterval = 0.25; ///< seconds
 constexpr double previewInterval = 1.2;
 constexpr QSize largestPreview(1920, 1200);
+constexpr QSize sourceStillSize(320, 200);
+const QString displayStill = QStringLiteral("display/");
+const QString windowStill = QStringLiteral("window/");
 constexpr int mostKeyPolls = 60;
 constexpr double keyPollInterval = 1; ///< seconds
 constexpr int framesPerSecond = 60;
@@ -302,9 +305,39 @@ void AppModel::previewAgain(std::uint64_t wanted) {
                          }));
 }
 
+void AppModel::refreshSourceStills() {
+    const bool idleNow = sourceStillsWanted.empty();
+    sourceStillsWanted.clear();
+    for (const WindowInfo& window : recordable)
+        sourceStillsWanted.push_back(windowStill + QString::number(window.id));
+    for (const DisplayInfo& display : content.displays)
+        sourceStillsWanted.push_back(displayStill + QString::number(display.id));
+    std::erase_if(sourceStills, [this](const auto& entry) {
+        return std::ranges::find(sourceStillsWanted, entry.first) == sourceStillsWanted.end();
+    });
+    if (idleNow) nextSourceStill();
+}
+
+/// One at a time: a session with many windows is looked at without a moment's halt.
+void AppModel::nextSourceStill() {
+    if (sourceStillsWanted.empty()) return;
+    const QString name = sourceStillsWanted.back();
+    const quint32 id = name.mid(name.indexOf(QLatin1Char('/')) + 1).toUInt();
+    const ScreenSource asked =
+        name.startsWith(displayStill) ? ScreenSource(DisplaySource{id}) : ScreenSource(WindowSource{id});
+    parts.sources->still(asked, sourceStillSize, whileAlive(this, [this, name](QImage still) {
+                             if (!still.isNull()) sourceStills[name] = std::move(still);
+                             ++sourceStillsCount;
+                             Q_EMIT sourceStillsChanged();
+                             std::erase(sourceStillsWanted, name);
+                             nextSourceStill();
+                         }));
+}
+
 QImage AppModel::image(const QString& name) const {
     if (name == QLatin1String("preview")) return preview;
     if (name == QLatin1String("camera")) return parts.cameras->picture();
+    if (const auto known = sourceStills.find(name); known != sourceStills.end()) return known->second;
     const QLatin1String still("still/");
     return name.startsWith(still) ? recentList->still(name.mid(still.size())) : QImage();
 }

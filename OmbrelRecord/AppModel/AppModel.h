@@ -10,6 +10,7 @@
 #include <QtCore/QVariant>
 #include <QtGui/QImage>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -51,6 +52,9 @@ class AppModel : public QObject {
     /// Null as long as there is none. In `image` it is "preview".
     Q_PROPERTY(QImage livePreview READ livePreview NOTIFY livePreviewChanged)
     Q_PROPERTY(int livePreviewRevision READ livePreviewRevision NOTIFY livePreviewChanged)
+    /// Counts the pictures of the sources that `refreshSourceStills` asks for. In `image` they are
+    /// "display/ID" and "window/ID".
+    Q_PROPERTY(int sourceStillsRevision READ sourceStillsRevision NOTIFY sourceStillsChanged)
 
     // What is recorded with it.
     Q_PROPERTY(bool systemAudio READ systemAudio WRITE setSystemAudio NOTIFY systemAudioChanged)
@@ -155,6 +159,10 @@ public:
     Q_INVOKABLE void stopLivePreview();
     Q_INVOKABLE void capturePreview();
 
+    int sourceStillsRevision() const { return sourceStillsCount; }
+    /// Takes small pictures of all displays and windows, one after another.
+    Q_INVOKABLE void refreshSourceStills();
+
     /// "preview", "camera", or what the still of a recent recording is called.
     QImage image(const QString& name) const;
 
@@ -227,6 +235,7 @@ Q_SIGNALS:
     void hasScreenAccessChanged();
     void sourcesChanged();
     void livePreviewChanged();
+    void sourceStillsChanged();
     void systemAudioChanged();
     void microphoneChanged();
     void microphonesChanged();
@@ -267,6 +276,7 @@ private:
     void startPreviews();
     void stopPreviews();
     void previewAgain(std::uint64_t run);
+    void nextSourceStill();
     RecordCore::ScreenSource source() const;
     void pollKeys(int polls);
     void recoverNext();
@@ -297,6 +307,9 @@ private:
     int previewRevision = 0;
     std::uint64_t previewRun = 0; ///< counts the runs of the live preview; what belongs to an older one ends
     bool previewing = false;
+    std::map<QString, QImage> sourceStills;  ///< by the names of `image`
+    std::vector<QString> sourceStillsWanted; ///< the names of those still to be taken, the next one last
+    int sourceStillsCount = 0;
 
     bool withSystemAudio = false;
     bool withMicrophone = false;

@@ -1,20 +1,132 @@
 #include "OmbrelRecord/Application/OmbrelRecordApp.h"
 
+#include "OmbrelRecord/AppModel/Diag.h"
+#include "OmbrelRecord/EditorModel/EditorModel.h"
 #include "OmbrelRecord/Icons/IconSet.h"
 #include "OmbrelRecord/Theme/Theme.h"
 
 #include <QtCore/QDebug>
-#include <QtCore/QUrl>
+#include <QtCore/QFile>
 #include <QtCore/QtPlugin>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QIcon>
+#include <QtGui/QOffscreenSurface>
+#include <QtGui/QOpenGLContext>
+#include <QtGui/QOpenGLFunctions>
+#include <QtGui/QScreen>
+#include <QtQml/QQmlAbstractUrlInterceptor>
 #include <QtQml/QQmlComponent>
-#include <QtQml/QQmlEngine>
 #include <QtQml/QQmlExtensionPlugin>
+#include <QtQuick/QSGRendererInterface>
+#include <cstdlib>
+#include <cstring>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 Q_IMPORT_QML_PLUGIN(OmbrelRecordPlugin)
 
 namespace OmbrelRecord {
+
+namespace {
+
+/// Takes views from the source tree instead of those compiled in, so that a change is seen without a build.
+class SourceViews : public QQmlAbstractUrlInterceptor {
+public:
+    explicit SourceViews(const QString& sources) : sources(sources) {}
+    QUrl intercept(const QUrl& url, DataType) override {
+        if (!url.path().startsWith(QLatin1String("/qt/qml/OmbrelRecord/"))) return url;
+        for (const char* folder : {"Theme", "HomeView", "RecordingHUD", "EditorView", "Application"}) {
+            const QString file =
+                sources + QLatin1Char('/') + QLatin1String(folder) + QLatin1Char('/') + url.fileName();
+            if (url.fileName().endsWith(QLatin1String(".qml")) && QFile::exists(file))
+                return QUrl::fromLocalFile(file);
+        }
+        return url;
+    }
+
+private:
+    QString sources;
+};
+
+bool answers(const sockaddr_un& address, std::size_t length) {
+    const int connection = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (connection < 0) return false;
+    const bool there =
+        connect(connection, reinterpret_cast<const sockaddr*>(&address), static_cast<socklen_t>(length)) == 0;
+    close(connection);
+    return there;
+}
+
+/// Whether a server listens on the socket of that path; also on the abstract one of that name.
+bool listening(const std::string& path) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (path.size() + 2 > sizeof(address.sun_path)) return false;
+    std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
+    if (answers(address, sizeof(address))) return true;
+    std::memset(address.sun_path, 0, sizeof(address.sun_path));
+    std::memcpy(address.sun_path + 1, path.data(), path.size());
+    return answers(address, offsetof(sockaddr_un, sun_path) + 1 + path.size());
+}
+
+/// Whether windows can be drawn by a graphics processor; without one, drawing in software is quicker than
+/// what emulates one.
+bool hasGraphics() {
+    QOpenGLContext context;
+    if (!context.create()) return false;
+    QOffscreenSurface surface;
+    surface.setFormat(context.format());
+    surface.create();
+    if (!context.makeCurrent(&surface)) return false;
+    const auto* renderer = reinterpret_cast<const char*>(context.functions()->glGetString(GL_RENDERER));
+    const QByteArray name = QByteArray(renderer ? renderer : "").toLower();
+    context.doneCurrent();
+    return !name.isEmpty() && !name.contains("llvmpipe") && !name.contains("softpipe") &&
+           !name.contains("swrast");
+}
+
+std::vector<PanelPlacement::Display> displays() {
+    std::vector<PanelPlacement::Display> found;
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        const QRect points = screen->geometry();
+        const qreal ratio = screen->devicePixelRatio();
+        // Displays keep their place in pixels; what lies in them counts in points.
+        const QRect pixels(points.topLeft(), (QSizeF(points.size()) * ratio).toSize());
+        found.push_back({pixels, screen->availableGeometry(), points.topLeft(), ratio,
+                         screen == QGuiApplication::primaryScreen()});
+    }
+    return found;
+}
+
+constexpr auto geometryKey = "window/geometry";
+constexpr auto maximizedKey = "window/maximized";
+
+} // namespace
+
+std::string OmbrelRecordApp::missingDisplay() {
+    const std::string none = "Ombrel Record needs a desktop to open its window. Log in to one and start it "
+                             "there, or use its commands: ombrel-record --help lists them.";
+    if (std::getenv("QT_QPA_PLATFORM")) return {};
+    const char* wayland = std::getenv("WAYLAND_DISPLAY");
+    if (wayland && *wayland) {
+        const char* runtime = std::getenv("XDG_RUNTIME_DIR");
+        const std::string path =
+            *wayland == '/' ? wayland : std::string(runtime ? runtime : "/run/user") + "/" + wayland;
+        if (listening(path)) return {};
+    }
+    const char* x11 = std::getenv("DISPLAY");
+    if (!x11 || !*x11) return none;
+    // Only a display of this computer can be tried without waiting for the network.
+    const std::string display = x11;
+    const std::size_t colon = display.find(':');
+    if (colon == std::string::npos) return none;
+    if (colon != 0) return {};
+    const std::string number =
+        display.substr(1, display.find('.') == std::string::npos ? std::string::npos : display.find('.') - 1);
+    if (listening("/tmp/.X11-unix/X" + number)) return {};
+    return "The display " + display + " does not answer. " + none;
+}
 
 void OmbrelRecordApp::prepare() {
     QCoreApplication::setOrganizationName(QStringLiteral("Ombrel Record"));
@@ -31,10 +143,19 @@ void OmbrelRecordApp::dress() {
     font.setWeight(QFont::Medium);
     QGuiApplication::setFont(font);
     QGuiApplication::setWindowIcon(IconSet::application());
+    if (!qEnvironmentVariableIsSet("QT_QUICK_BACKEND") && !hasGraphics())
+        QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
 }
 
 void OmbrelRecordApp::prepare(QQmlEngine& engine) {
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    engine.addImageProvider(QStringLiteral("icons"), new IconProvider);
+    // For those who draw the views: the folder OmbrelRecord of a source tree.
+    const QString sources = qEnvironmentVariable("OMBREL_VIEWS");
+    if (!sources.isEmpty()) {
+        static SourceViews views(sources);
+        engine.addUrlInterceptor(&views);
+    }
 }
 
 Theme* OmbrelRecordApp::theme(QQmlEngine& engine) {
@@ -47,6 +168,158 @@ Theme* OmbrelRecordApp::theme(QQmlEngine& engine) {
 
 QUrl OmbrelRecordApp::view(const QString& type) {
     return QUrl(QStringLiteral("qrc:/qt/qml/OmbrelRecord/%1.qml").arg(type));
+}
+
+OmbrelRecordApp::OmbrelRecordApp(AppModel& model, QSettings* settings, QObject* parent) :
+    QObject(parent), model(model), settings(settings) {
+    // While a recording runs no window may be open at all.
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    prepare(engine);
+    connect(&model, &AppModel::countdownChanged, this, &OmbrelRecordApp::countdownChanged);
+    connect(&model, &AppModel::flowChanged, this, &OmbrelRecordApp::flowChanged);
+    connect(&model, &AppModel::questionChanged, this, &OmbrelRecordApp::questionChanged);
+}
+
+OmbrelRecordApp::~OmbrelRecordApp() {
+    delete question;
+    delete panel;
+    delete counter;
+    delete window;
+}
+
+QQuickWindow* OmbrelRecordApp::make(const QString& type) {
+    QQmlComponent component(&engine, view(type));
+    QObject* object = component.createWithInitialProperties(
+        {{QStringLiteral("app"), QVariant::fromValue<QObject*>(&model)}});
+    auto* made = qobject_cast<QQuickWindow*>(object);
+    if (!made) {
+        Diag::log("window: failed " + component.errorString().toStdString());
+        delete object;
+        return nullptr;
+    }
+    QQmlEngine::setObjectOwnership(made, QQmlEngine::CppOwnership);
+    // Told here, a failure is no reason to end the process.
+    connect(made, &QQuickWindow::sceneGraphError, this,
+            [](QQuickWindow::SceneGraphError, const QString& message) {
+                Diag::log("window: cannot draw: " + message.toStdString());
+            });
+    return made;
+}
+
+bool OmbrelRecordApp::openMainWindow() {
+    if (!window) {
+        window = make(QStringLiteral("MainWindow"));
+        if (!window) return false;
+        connect(window, SIGNAL(quitWanted()), this, SLOT(quit()));
+        restore();
+    }
+    window->show();
+    window->raise();
+    window->requestActivate();
+    return true;
+}
+
+void OmbrelRecordApp::quit() {
+    remember();
+    // Leaving the editor writes what is not written yet.
+    model.backHome();
+    QCoreApplication::quit();
+}
+
+void OmbrelRecordApp::startedAgain() {
+    if (model.isRecording()) {
+        if (!panel) model.stopRecording();
+        return;
+    }
+    if (!model.starting()) openMainWindow();
+}
+
+void OmbrelRecordApp::restore() {
+    if (!settings) return;
+    const QRect kept = settings->value(QLatin1String(geometryKey)).toRect();
+    // A window that was on a display which is not there any more comes up in its usual place.
+    for (const QScreen* screen : QGuiApplication::screens())
+        if (kept.isValid() && screen->availableGeometry().intersects(kept.adjusted(40, 0, -40, -40)))
+            window->setGeometry(kept);
+    if (settings->value(QLatin1String(maximizedKey)).toBool()) window->setWindowStates(Qt::WindowMaximized);
+}
+
+void OmbrelRecordApp::remember() {
+    if (!settings || !window) return;
+    const bool maximized = window->windowStates().testFlag(Qt::WindowMaximized);
+    settings->setValue(QLatin1String(maximizedKey), maximized);
+    if (!maximized) settings->setValue(QLatin1String(geometryKey), window->geometry());
+}
+
+std::optional<QRect> OmbrelRecordApp::panelPlace() const {
+    QRect recorded = model.recordedFrame();
+    if (model.windowID() != 0)
+        for (const RecordCore::WindowInfo& candidate : model.windows())
+            if (candidate.id == model.windowID())
+                recorded = QRectF(candidate.frame.x, candidate.frame.y, candidate.frame.width,
+                                  candidate.frame.height)
+                               .toAlignedRect();
+    return PanelPlacement::place(displays(), QSize(320, 82), recorded);
+}
+
+void OmbrelRecordApp::countdownChanged() {
+    if (model.countdown() == 0) {
+        delete counter;
+        return;
+    }
+    if (counter) return;
+    counter = make(QStringLiteral("CountdownPanel"));
+    if (!counter) return;
+    if (!panelPlace() && model.hotKeyProblem().isEmpty()) counter->setProperty("keys", model.hotKeyName());
+    const QRect recorded = model.recordedFrame();
+    for (const PanelPlacement::Display& display : displays()) {
+        if (!display.frame.contains(recorded.center())) continue;
+        const QSize points = (QSizeF(display.frame.size()) / display.ratio).toSize();
+        counter->setPosition(display.origin.x() + (points.width() - counter->width()) / 2,
+                             display.origin.y() + (points.height() - counter->height()) / 2);
+        break;
+    }
+    counter->show();
+}
+
+void OmbrelRecordApp::flowChanged() {
+    if (!model.isRecording()) {
+        delete panel;
+        tray.reset();
+        return;
+    }
+    if (panel || tray) return;
+    if (const std::optional<QRect> place = panelPlace()) {
+        panel = make(QStringLiteral("RecordingPanel"));
+        if (!panel) return;
+        panel->setPosition(place->topLeft());
+        panel->show();
+        return;
+    }
+    Diag::log("window: the recording panel would be in the film, so it is not shown");
+    QQmlComponent component(&engine, view(QStringLiteral("Tray")));
+    tray.reset(component.createWithInitialProperties(
+        {{QStringLiteral("app"), QVariant::fromValue<QObject*>(&model)}}));
+    if (!tray) Diag::log("window: no tray: " + component.errorString().toStdString());
+}
+
+void OmbrelRecordApp::questionChanged() {
+    if (model.question().isEmpty()) {
+        if (question) question->deleteLater();
+        question = nullptr;
+        return;
+    }
+    if (!question) question = make(QStringLiteral("QuestionPanel"));
+    if (!question) return;
+    // Where the panel is, so that it is not recorded either.
+    const QScreen* screen = panel ? panel->screen() : QGuiApplication::primaryScreen();
+    if (screen) {
+        const QRect visible = screen->availableGeometry();
+        question->setPosition(visible.center() - QPoint(question->width() / 2, question->height() / 2));
+    }
+    question->show();
+    question->raise();
+    question->requestActivate();
 }
 
 } // namespace OmbrelRecord

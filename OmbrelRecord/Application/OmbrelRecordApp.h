@@ -1,28 +1,76 @@
 #pragma once
 
-class QQmlEngine;
-class QUrl;
-class QString;
+#include "OmbrelRecord/AppModel/AppModel.h"
+#include "OmbrelRecord/RecordingHUD/PanelPlacement.h"
+
+#include <QtCore/QObject>
+#include <QtCore/QPointer>
+#include <QtCore/QSettings>
+#include <QtCore/QUrl>
+#include <QtQml/QQmlEngine>
+#include <QtQuick/QQuickWindow>
+#include <memory>
+#include <string>
 
 namespace OmbrelRecord {
 
 class Theme;
 
 /// The windowed application: QML engine, fonts and windows over the models. Main thread.
-class OmbrelRecordApp {
+class OmbrelRecordApp : public QObject {
+    Q_OBJECT
+
 public:
+    /// Why there can be no windows, for the user; empty when there can. Before the QGuiApplication is made,
+    /// which ends the process where it finds no display.
+    static std::string missingDisplay();
     /// Called once, before the QGuiApplication is made: what it and Qt Quick must know from the beginning.
     static void prepare();
-    /// Called once, when there is a QGuiApplication: its names, its fonts.
+    /// Called once, when there is a QGuiApplication: its fonts, and how windows are drawn here.
     static void dress();
     /// Makes an engine able to load our views.
     static void prepare(QQmlEngine& engine);
 
     /// The engine's theme; null when our module cannot be loaded.
     static Theme* theme(QQmlEngine& engine);
-
     /// The file of one of our QML types.
     static QUrl view(const QString& type);
+
+    /// `model` and `settings` outlive the object; settings may be none.
+    OmbrelRecordApp(AppModel& model, QSettings* settings, QObject* parent = nullptr);
+    ~OmbrelRecordApp() override;
+
+    /// Opens the main window, or shows the one there is. False when it cannot be made.
+    bool openMainWindow();
+    /// The application was started again: its window comes to the front. While a recording runs whose panel
+    /// had to hide, this is the way to end it that is always there.
+    void startedAgain();
+
+    QQuickWindow* mainWindow() const { return window; }
+    /// The panel of a running recording; null when there is none, also because it had to hide.
+    QQuickWindow* recordingPanel() const { return panel; }
+    QQuickWindow* countdownPanel() const { return counter; }
+
+private Q_SLOTS:
+    void quit();
+
+private:
+    QQuickWindow* make(const QString& type);
+    void countdownChanged();
+    void flowChanged();
+    void questionChanged();
+    std::optional<QRect> panelPlace() const;
+    void restore();
+    void remember();
+
+    AppModel& model;
+    QSettings* settings;
+    QQmlEngine engine;
+    QPointer<QQuickWindow> window;
+    QPointer<QQuickWindow> counter;
+    QPointer<QQuickWindow> panel;
+    QPointer<QQuickWindow> question;
+    std::unique_ptr<QObject> tray;
 };
 
 } // namespace OmbrelRecord

@@ -32,8 +32,10 @@ T.Button {
     Accessible.description: tip
 
     contentItem: Item {
-        implicitWidth: row.implicitWidth
-        implicitHeight: row.implicitHeight
+        // Of what the text would like to have, not of what it gets: that depends on the width made of this.
+        implicitWidth: (sign.visible ? sign.width : 0) + words.implicitWidth
+                       + (sign.visible && words.visible ? row.spacing : 0)
+        implicitHeight: 20
 
         Row {
             id: row
@@ -41,6 +43,7 @@ T.Button {
             spacing: control.spacing
 
             Icon {
+                id: sign
                 visible: control.iconName.length > 0
                 name: control.iconName
                 color: control.ink
@@ -48,14 +51,14 @@ T.Button {
                 anchors.verticalCenter: parent.verticalCenter
             }
             Text {
+                id: words
                 visible: control.text.length > 0
                 text: control.text
                 textFormat: Text.PlainText
                 font: control.font
                 color: control.ink
                 elide: Text.ElideRight
-                width: Math.min(implicitWidth, control.width - control.leftPadding - control.rightPadding
-                                - (control.iconName.length > 0 ? 20 + control.spacing : 0))
+                width: Math.min(implicitWidth, control.availableWidth - (sign.visible ? 20 + control.spacing : 0))
                 anchors.verticalCenter: parent.verticalCenter
             }
         }

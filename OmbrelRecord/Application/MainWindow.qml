@@ -1,0 +1,110 @@
+import QtQuick
+import QtQuick.Window
+import QtQuick.Dialogs
+import OmbrelRecord
+
+/// The one window of the application: home, waiting, or the editor.
+Window {
+    id: main
+
+    required property var app
+    objectName: "main"
+
+    readonly property bool homeShown: visible && app.screen === 0
+
+    signal quitWanted()
+
+    width: 1320
+    height: 788
+    minimumWidth: 1080
+    minimumHeight: 700
+    color: Theme.background
+    title: app.screen === 2 && app.editor ? qsTr("%1 — Ombrel Record").arg(app.editor.name) : "Ombrel Record"
+
+    LayoutMirroring.enabled: Application.layoutDirection === Qt.RightToLeft
+    LayoutMirroring.childrenInherit: true
+
+    onHomeShownChanged: homeShown ? app.startLivePreview() : app.stopLivePreview()
+    onClosing: close => {
+        // While it is recorded or saved the window only goes out of sight.
+        if (app.isRecording) {
+            close.accepted = false;
+            main.hide();
+            return;
+        }
+        if (app.screen === 2 && app.editor && app.editor.exportState === 1 && !leave.agreed) {
+            close.accepted = false;
+            leave.ask();
+            return;
+        }
+        main.quitWanted();
+    }
+
+    Loader {
+        id: content
+        anchors.fill: parent
+        focus: true
+
+        readonly property int screen: main.app.screen
+        onScreenChanged: show()
+        Component.onCompleted: show()
+        onLoaded: item.forceActiveFocus()
+
+        function show() {
+            if (screen === 2 && main.app.editor)
+                setSource("EditorView.qml", { editor: main.app.editor });
+            else if (screen === 1)
+                sourceComponent = working;
+            else
+                setSource("HomeView.qml", { app: main.app });
+        }
+    }
+    Component {
+        id: working
+        WorkingView { message: main.app.workingMessage }
+    }
+    Connections {
+        target: content.item
+        ignoreUnknownSignals: true
+        function onBackRequested() { main.app.backHome(); }
+        function onFileWanted() { files.ask(); }
+    }
+    Shortcut {
+        sequences: [StandardKey.Quit]
+        onActivated: main.close()
+    }
+
+    // Both are made when they are first needed.
+    Loader {
+        id: files
+        function ask() {
+            active = true;
+            item.open();
+        }
+        active: false
+        sourceComponent: FileDialog {
+            title: qsTr("Open a movie")
+            nameFilters: [qsTr("Movies (*.mp4 *.m4v *.mov *.mkv *.webm *.avi *.MP4 *.MOV)"), qsTr("All files (*)")]
+            onAccepted: main.app.openVideo(decodeURIComponent(selectedFile.toString().replace(/^file:\/\//, "")))
+        }
+    }
+    Loader {
+        id: leave
+        property bool agreed: false
+        function ask() {
+            active = true;
+            item.open();
+        }
+        active: false
+        sourceComponent: Dialog {
+            title: qsTr("A film is being exported")
+            text: qsTr("Closing now stops the export. Your edits are kept; you can export again later.")
+            buttons: [{ text: qsTr("Stop and close"), kind: "danger" }, { text: qsTr("Keep exporting") }]
+            onAnswered: button => {
+                if (button !== 0) return;
+                leave.agreed = true;
+                main.close();
+            }
+        }
+    }
+}
