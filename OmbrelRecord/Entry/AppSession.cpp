@@ -2,10 +2,12 @@
 
 #include "OmbrelRecord/AppModel/Diag.h"
 #include "OmbrelRecord/AppModel/SessionRun.h"
+#include "OmbrelRecord/EditorModel/EditorPlayer.h"
 #include "OmbrelRecord/Entry/Backends.h"
 #include "OmbrelRecord/Entry/Resources.h"
 #include "OmbrelRecord/Entry/SpeechBackends.h"
 #include "OmbrelRecord/Transcriber/Transcriber.h"
+#include "RecordCore/Capture/PulseAudio/PulseOutput.h"
 #include "RecordCore/Capture/RecordingRecovery.h"
 #include "RecordCore/Export/Exporter.h"
 
@@ -55,6 +57,7 @@ EditorParts AppSession::editorParts() {
         log(fmt::format("export: {} frames, {:.1f} s in {:.1f} s", stats.frames, stats.outputSeconds,
                         stats.wallSeconds));
     };
+    parts.makePreview = EditorPlayer::factory(mediaBackend, [] { return std::make_unique<PulseOutput>(); });
     parts.recognizeWords = [this](const fs::path& video, const std::string& language,
                                   const std::function<void(double)>& progress,
                                   const std::atomic<bool>& cancel) {
