@@ -46,7 +46,14 @@ std::vector<CaptionWord> recognise(const Captions& options, const RecordingFiles
     hooks.progress = [&](double share) { bar.update(share); };
     hooks.cancel = &interrupt.requested();
     try {
-        return Transcriber(*engine, media).words(files.video(), options.language, hooks);
+        const Transcriber transcriber(*engine, media);
+        if (!options.retime) return transcriber.words(files.video(), options.language, hooks);
+        std::string problem;
+        const std::optional<Project> project = Project::load(files.project(), &problem);
+        if (!project) throw RecordingError(problem);
+        if (!project->captions || project->captions->empty())
+            throw RecordingError(fmt::format("{}: holds no captions", files.project().string()));
+        return transcriber.align(files.video(), *project->captions, options.language, hooks);
     } catch (const Transcriber::Failure& failure) {
         if (failure.detail().empty()) throw;
         throw RecordingError(fmt::format("{} ({})", failure.what(), failure.detail()));

@@ -14,6 +14,7 @@ namespace OmbrelRecord::Commands {
 struct Captions {
     std::filesystem::path folder;
     std::optional<std::string> language; ///< the user's own when not given
+    bool retime = false; ///< keep the project's words, which were corrected, and find their times anew
     std::optional<std::filesystem::path> srt;
     std::optional<std::filesystem::path> vtt;
 };

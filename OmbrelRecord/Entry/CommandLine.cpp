@@ -116,6 +116,8 @@ std::optional<int> run(int argc, char** argv) {
     addFolder(captionsVerb, captions.folder);
     captionsVerb.add_option("--language", captions.language,
                             "Language spoken, as en-US (yours when not given)");
+    captionsVerb.add_flag("--retime", captions.retime,
+                          "Keep the project's words, corrected as they are, and find their times anew");
     captionsVerb.add_option("--srt", captions.srt, "Also write the film's captions to this SubRip file");
     captionsVerb.add_option("--vtt", captions.vtt, "Also write the film's captions to this WebVTT file");
     captionsVerb.callback([&] { Commands::run(captions, *backend()); });

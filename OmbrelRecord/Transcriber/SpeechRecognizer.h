@@ -40,6 +40,15 @@ public:
     /// Throws RecordingError.
     virtual std::vector<SpeechSegment> recognize(const SpeechRequest& request,
                                                  const std::atomic<bool>* cancel) = 0;
+
+    /// When each of these words, and nothing else, is said in a file: one segment for each word, in order.
+    /// Empty when that cannot be told: the recogniser has no way to, does not know a word, or hears something
+    /// else. Blocks. Throws RecordingError.
+    virtual std::vector<SpeechSegment> align(const std::filesystem::path& file,
+                                             const std::vector<std::string>& words) {
+        static_cast<void>(file), static_cast<void>(words);
+        return {};
+    }
 };
 
 /// A way of recognising speech that may or may not be installed here. Stateless; callable from any thread.

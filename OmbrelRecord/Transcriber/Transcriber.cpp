@@ -31,6 +31,46 @@ std::int64_t position(double seconds) {
     return std::llround(seconds * soundRate);
 }
 
+/// A row of words between two pauses, by their places in the list, and the stretch of sound that has them.
+struct Sentence {
+    std::size_t first;
+    std::size_t last; ///< one after
+    TimeRange range;
+};
+
+constexpr double sentencePause = 0.3; ///< seconds; a shorter silence may be part of a word
+constexpr double sentenceMargin = 0.5;
+
+std::vector<Sentence> sentences(const std::vector<CaptionWord>& words, double duration) {
+    std::vector<Sentence> list;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const double gap = list.empty() ? words[i].start : words[i].start - words[i - 1].end;
+        if (list.empty() || gap > sentencePause) {
+            const double margin = list.empty() ? sentenceMargin : std::min(sentenceMargin, gap / 2);
+            if (!list.empty()) list.back().range.end += margin;
+            list.push_back({i, i, {std::max(0.0, words[i].start - margin), 0}});
+        }
+        list.back().last = i + 1;
+        list.back().range.end = words[i].end;
+    }
+    if (!list.empty()) list.back().range.end = std::min(duration, list.back().range.end + sentenceMargin);
+    return list;
+}
+
+/// A word as dictionaries have it: in small letters, without punctuation; two where a hyphen joins them.
+std::vector<std::string> spokenWords(std::string_view text) {
+    std::vector<std::string> parts(1);
+    for (const char c : text) {
+        const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '\'' || (c & 0x80) != 0;
+        if (letter)
+            parts.back() += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+        else if ((c == '-' || c == ' ') && !parts.back().empty())
+            parts.emplace_back();
+    }
+    if (parts.back().empty()) parts.pop_back();
+    return parts;
+}
+
 } // namespace
 
 const std::string Transcriber::noSpeech = "No speech found. Record with Mic on to get captions.";
@@ -45,9 +85,8 @@ std::vector<TimeRange> Transcriber::pieces(double duration) {
     return list;
 }
 
-std::vector<CaptionWord> Transcriber::words(const std::filesystem::path& recording,
-                                            const std::optional<std::string>& language,
-                                            const Hooks& hooks) const {
+Transcriber::Ear Transcriber::open(const std::filesystem::path& recording,
+                                   const std::optional<std::string>& language) const {
     if (!engine.authorize())
         throw Failure(fmt::format("Ombrel Record needs Speech Recognition. Allow it in {}.",
                                   PlatformText::speechSettings));
@@ -58,36 +97,72 @@ std::vector<CaptionWord> Transcriber::words(const std::filesystem::path& recordi
                                    PlatformText::computer),
                        detail);
     };
-    std::unique_ptr<SpeechRecognizer> recognizer;
+    Ear ear;
     try {
-        recognizer = engine.recognizer(wanted);
+        ear.recognizer = engine.recognizer(wanted);
     } catch (const RecordingError& error) {
         throw unavailable(error.what());
     }
-    if (!recognizer)
+    if (!ear.recognizer)
         throw unavailable(fmt::format("{} is wanted; available: {}", Language::normalized(wanted),
                                       fmt::join(engine.languages(), ", ")));
 
-    double duration = 0;
-    std::vector<std::unique_ptr<SoundReader>> tracks;
     try {
-        duration = media.sourceInfo(recording).duration;
-        tracks = media.openSound(recording);
+        ear.duration = media.sourceInfo(recording).duration;
+        ear.tracks = media.openSound(recording);
     } catch (const RecordingError& error) {
         throw Failure("Couldn't read the recording's sound.", error.what());
     }
-    if (tracks.empty())
+    if (ear.tracks.empty())
         throw Failure("This recording has no sound. Turn on Mic before recording to get captions.");
+    return ear;
+}
 
+std::vector<CaptionWord> Transcriber::words(const std::filesystem::path& recording,
+                                            const std::optional<std::string>& language,
+                                            const Hooks& hooks) const {
+    const Ear ear = open(recording, language);
     std::vector<CaptionWord> all;
-    for (const TimeRange& piece : pieces(duration)) {
+    for (const TimeRange& piece : pieces(ear.duration)) {
         stopIfCancelled(hooks);
-        const VoiceFile file = exportAudio(*tracks.front(), piece, hooks);
-        for (CaptionWord& word : recognize(*recognizer, file.path(), piece.start, hooks))
+        const VoiceFile file = exportAudio(*ear.tracks.front(), piece, hooks);
+        for (CaptionWord& word : recognize(*ear.recognizer, file.path(), piece.start, hooks))
             all.push_back(std::move(word));
-        if (hooks.progress) hooks.progress(piece.end / duration);
+        if (hooks.progress) hooks.progress(piece.end / ear.duration);
     }
     return all;
+}
+
+std::vector<CaptionWord> Transcriber::align(const std::filesystem::path& recording,
+                                            std::vector<CaptionWord> words,
+                                            const std::optional<std::string>& language,
+                                            const Hooks& hooks) const {
+    const Ear ear = open(recording, language);
+    for (const Sentence& sentence : sentences(words, ear.duration)) {
+        stopIfCancelled(hooks);
+        std::vector<std::string> spoken; // a caption's word may be none, one or several of the recogniser's
+        std::vector<std::size_t> counts;
+        for (std::size_t i = sentence.first; i < sentence.last; ++i) {
+            const std::vector<std::string> parts = spokenWords(words[i].text);
+            counts.push_back(parts.size());
+            spoken.insert(spoken.end(), parts.begin(), parts.end());
+        }
+        const VoiceFile file = exportAudio(*ear.tracks.front(), sentence.range, hooks);
+        const std::vector<SpeechSegment> found = ear.recognizer->align(file.path(), spoken);
+        if (found.size() == spoken.size()) {
+            std::size_t at = 0;
+            for (std::size_t i = 0; i < counts.size(); at += counts[i++]) {
+                if (counts[i] == 0) continue;
+                CaptionWord& word = words[sentence.first + i];
+                const SpeechSegment& lastPart = found[at + counts[i] - 1];
+                word.start = sentence.range.start + found[at].timestamp;
+                word.end = std::max(word.start + leastWord,
+                                    sentence.range.start + lastPart.timestamp + lastPart.duration);
+            }
+        }
+        if (hooks.progress) hooks.progress(sentence.range.end / ear.duration);
+    }
+    return words;
 }
 
 VoiceFile Transcriber::exportAudio(SoundReader& track, TimeRange piece, const Hooks& hooks) const {

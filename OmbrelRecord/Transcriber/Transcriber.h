@@ -10,6 +10,7 @@
 #include <atomic>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -50,11 +51,26 @@ public:
                                                const std::optional<std::string>& language,
                                                const Hooks& hooks) const;
 
+    /// The same words, which somebody may have corrected, with the times at which the sound has them. Where
+    /// that cannot be told, a word keeps its time. `words` are in time order; errors as in `words`.
+    std::vector<RecordCore::CaptionWord> align(const std::filesystem::path& recording,
+                                               std::vector<RecordCore::CaptionWord> words,
+                                               const std::optional<std::string>& language,
+                                               const Hooks& hooks) const;
+
     /// The stretches in which a recording of this many seconds is recognised: 50 s each, the last one
     /// shorter; 0.2 s or less at the end are left out.
     static std::vector<RecordCore::TimeRange> pieces(double duration);
 
 private:
+    /// What a recording is listened to with.
+    struct Ear {
+        std::unique_ptr<SpeechRecognizer> recognizer;
+        double duration = 0;
+        std::vector<std::unique_ptr<RecordCore::SoundReader>> tracks; ///< at least one
+    };
+    Ear open(const std::filesystem::path& recording, const std::optional<std::string>& language) const;
+
     VoiceFile exportAudio(RecordCore::SoundReader& track, RecordCore::TimeRange piece,
                           const Hooks& hooks) const;
     std::vector<RecordCore::CaptionWord> recognize(SpeechRecognizer& recognizer,

@@ -4,12 +4,15 @@
 
 #include <fmt/format.h>
 #include <pocketsphinx/pocketsphinx.h>
+#include <sphinxbase/ckd_alloc.h>
 #include <sphinxbase/err.h>
 
+#include <algorithm>
 #include <array>
 #include <csetjmp>
 #include <cstdarg>
 #include <cstdio>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -58,11 +61,18 @@ bool survives(const Call& call) {
     return returned;
 }
 
+/// "read" of "read(2)", a second way of saying it.
+std::string_view withoutVariant(std::string_view word) {
+    return word.substr(0, word.find('('));
+}
+
+/// The name of the search for one sentence.
+constexpr const char* sentence = "sentence";
+
 /// What the dictionary's entry is called on screen; empty for silences and noises.
 std::string shownText(std::string_view word) {
     if (word.empty() || word[0] == '<' || word[0] == '[' || word.starts_with("++")) return {};
-    word = word.substr(0, word.find('(')); // "read(2)" is a second way of saying "read"
-    std::string text(word);
+    std::string text(withoutVariant(word));
     // English dictionaries are all in lower case.
     if (text == "i" || text.starts_with("i'")) text[0] = 'I';
     return text;
@@ -86,6 +96,7 @@ PocketSphinxDecoder::PocketSphinxDecoder(const PocketSphinxEngine::Model& model)
     ps_decoder_t* made = nullptr;
     if (settings && survives([&made, settings] { made = ps_init(settings); })) decoder.reset(made);
     if (settings) cmd_ln_free_r(settings);
+    if (decoder) usual = ps_get_search(decoder.get());
     if (!decoder)
         throw RecordCore::RecordingError(fmt::format("{}: the speech model cannot be loaded{}{}",
                                                      model.acoustic.string(), lastError.empty() ? "" : ": ",
@@ -95,6 +106,48 @@ PocketSphinxDecoder::PocketSphinxDecoder(const PocketSphinxEngine::Model& model)
 PocketSphinxDecoder::~PocketSphinxDecoder() = default;
 
 std::vector<SpeechSegment> PocketSphinxDecoder::decode(std::span<const std::int16_t> samples) {
+    std::vector<SpeechSegment> list = segments(samples);
+    for (SpeechSegment& segment : list)
+        segment.text = shownText(segment.text);
+    return list;
+}
+
+std::vector<SpeechSegment> PocketSphinxDecoder::align(std::span<const std::int16_t> samples,
+                                                      const std::vector<std::string>& words) {
+    ps_decoder_t* const one = decoder.get();
+    // A grammar of one sentence; between its words the library allows for silence by itself.
+    std::string grammar = "#JSGF V1.0;\ngrammar said;\npublic <said> =";
+    for (const std::string& word : words) {
+        const std::unique_ptr<char, decltype(&ckd_free)> known(ps_lookup_word(one, word.c_str()), ckd_free);
+        if (!known) return {};
+        grammar += " " + word;
+    }
+    grammar += ";\n";
+    bool done = false;
+    const char* const text = grammar.c_str();
+    if (!survives([&done, one, text] {
+            done = ps_set_jsgf_string(one, sentence, text) >= 0 && ps_set_search(one, sentence) >= 0;
+        }) ||
+        !done)
+        return {};
+    std::vector<SpeechSegment> list;
+    try {
+        list = segments(samples);
+    } catch (const RecordCore::RecordingError&) {
+        // It does not fit: nothing was found.
+    }
+    ps_set_search(one, usual.c_str());
+    ps_unset_search(one, sentence);
+    const auto said = [](const SpeechSegment& segment) { return withoutVariant(segment.text); };
+    if (!std::equal(
+            list.begin(), list.end(), words.begin(), words.end(),
+            [&](const SpeechSegment& segment, const std::string& word) { return said(segment) == word; }))
+        return {};
+    return list;
+}
+
+/// With the dictionary's own spelling of the words.
+std::vector<SpeechSegment> PocketSphinxDecoder::segments(std::span<const std::int16_t> samples) {
     lastError.clear();
     bool done = false;
     ps_decoder_t* const one = decoder.get();
@@ -110,8 +163,8 @@ std::vector<SpeechSegment> PocketSphinxDecoder::decode(std::span<const std::int1
 
     std::vector<SpeechSegment> list;
     for (ps_seg_t* segment = ps_seg_iter(decoder.get()); segment; segment = ps_seg_next(segment)) {
-        std::string text = shownText(ps_seg_word(segment));
-        if (text.empty()) continue;
+        std::string text = ps_seg_word(segment);
+        if (shownText(text).empty()) continue;
         int first = 0;
         int last = 0;
         ps_seg_frames(segment, &first, &last);

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <string>
 #include <vector>
 
 struct ps_decoder_s;
@@ -25,11 +26,19 @@ public:
     /// understood.
     std::vector<SpeechSegment> decode(std::span<const std::int16_t> samples);
 
+    /// Where these words of the dictionary, and nothing else, are said; empty when a word is not in it or the
+    /// sound does not fit them.
+    std::vector<SpeechSegment> align(std::span<const std::int16_t> samples,
+                                     const std::vector<std::string>& words);
+
 private:
+    std::vector<SpeechSegment> segments(std::span<const std::int16_t> samples);
+
     struct Release {
         void operator()(ps_decoder_s* decoder) const;
     };
     std::unique_ptr<ps_decoder_s, Release> decoder;
+    std::string usual; ///< the name of the search with the language model
 };
 
 } // namespace OmbrelRecord

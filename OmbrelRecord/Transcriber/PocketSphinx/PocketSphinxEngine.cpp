@@ -90,6 +90,18 @@ public:
         return all;
     }
 
+    std::vector<SpeechSegment> align(const fs::path& file, const std::vector<std::string>& words) override {
+        const auto tracks = media.openSound(file);
+        if (tracks.empty() || words.empty()) return {};
+        const std::vector<float> sound = SpeechSound::read(*tracks.front());
+        const double level = speechLevel(sound);
+        if (!(level > wantedLevel / mostGain / 10)) return {};
+        std::vector<std::int16_t> samples =
+            SpeechSound::quantized(sound, static_cast<float>(std::min(wantedLevel / level, mostGain)));
+        unsilence(samples);
+        return decoder.align(samples, words);
+    }
+
 private:
     const RecordCore::MediaBackend& media;
     PocketSphinxDecoder decoder;
