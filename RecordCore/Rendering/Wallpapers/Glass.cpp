@@ -119,17 +119,17 @@ private:
             const LinearRgb seen = ground.at(disc.u + du * bend * 0.96F, disc.v + dv * bend * 0.96F);
             // Light falls in from the upper left and gathers again at the far lower right.
             const float along = (du * -0.6F + dv * -0.8F) / disc.radius; // −1 … 1
-            const float face = 0.03F + 0.08F * along;
+            // The glass itself brightens what it shows towards the light and darkens it away from it.
+            const float gain = light ? 1 + 0.02F * along : 1.10F + 0.26F * along;
             const float edgeNear = exponential(inside * -150.0F);
             const float edgeWide = exponential(inside * -24.0F);
             const float angle = along / std::max(n, 0.2F);
             const float a2 = angle * angle;
-            const float rim = edgeNear * (0.04F + 0.70F * a2 * a2) + edgeWide * (0.02F + 0.22F * a2 * a2);
-            const float k = unit((light ? 1.5F : 1.0F) * (std::max(face, 0.0F) + rim));
-            const float through = 0.80F;
-            const float dim = light ? 1.0F : 0.98F;
+            const float rim = edgeNear * (0.04F + 0.70F * a2 * a2) + edgeWide * (0.02F + 0.20F * a2 * a2);
+            const float face = light ? 0.10F + 0.12F * along : 0.03F * (1 + along);
+            const float k = unit((light ? 1.5F : 1.0F) * rim + std::max(face, 0.0F));
             const auto put = [&](float& out, float behind, float white) {
-                const float glass = (out + (behind - out) * through) * dim;
+                const float glass = (out + (behind - out) * 0.82F) * gain;
                 out += (glass + (white - glass) * k - out) * cover;
             };
             put(row.r[x], seen.r, sheen.r);

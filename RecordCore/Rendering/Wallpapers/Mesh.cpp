@@ -26,15 +26,15 @@ public:
         for (std::uint32_t i = 0; i < 6; ++i)
             clouds[i] = {stage.halfU * (places[i][0] + noise.pick(3 * i, -0.22, 0.22)),
                          stage.halfV * (places[i][1] + noise.pick(3 * i + 1, -0.22, 0.22)),
-                         noise.pick(3 * i + 2, 5.5, 9.5), Oklab::of(LinearRgb::hex(style.colors[i]))};
+                         noise.pick(3 * i + 2, 4.2, 7.2), Oklab::of(LinearRgb::hex(style.colors[i]))};
         colors = ColorField(stage, 1.0 / 96, [&](double u, double v) {
             // The place is drawn aside twice, so that the clouds flow into each other in tongues.
             const double du = noise.octaves(u * 1.15 + 3.1, v * 1.15 - 1.7, 2, 0.35);
             const double dv = noise.octaves(u * 1.15 - 7.9, v * 1.15 + 5.3, 2, 0.35);
             const double pu =
-                u + 0.34 * du + 0.16 * noise.at(2.1 * (u + 0.5 * dv) + 9.2, 2.1 * (v - 0.5 * du));
+                u + 0.40 * du + 0.18 * noise.at(1.45 * (u + 0.6 * dv) + 9.2, 1.45 * (v - 0.6 * du));
             const double pv =
-                v + 0.34 * dv + 0.16 * noise.at(2.1 * (u - 0.5 * dv), 2.1 * (v + 0.5 * du) + 4.4);
+                v + 0.40 * dv + 0.18 * noise.at(1.45 * (u - 0.6 * dv), 1.45 * (v + 0.6 * du) + 4.4);
             double total = 0.055;
             Oklab sum{clouds[0].color.L * total, clouds[0].color.a * total, clouds[0].color.b * total};
             for (std::size_t i = 1; i < clouds.size(); ++i) {

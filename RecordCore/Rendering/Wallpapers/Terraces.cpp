@@ -60,15 +60,19 @@ public:
             const float to = (1 - over) / slope;
             // The step above casts its shadow down here, the more where its edge turns from the light.
             const float away = 0.55F + 0.45F * (hu[x] * 0.55F + hv[x] * 0.83F) / slope;
-            shadow[x] =
+            const float cast =
                 deepest * away * (0.62F * exponential(to * -34.0F) + 0.38F * exponential(to * -130.0F));
             const float facing = unit(0.5F - 0.5F * (hu[x] * 0.55F + hv[x] * 0.83F) / slope);
             const float toward = unit(1 - away * 0.9F);
-            gleam[x] = exponential(from * -520.0F) * (0.03F + 0.80F * toward * toward);
-            lit[x] = 0.55F * exponential(from * -15.0F) * facing * facing;
-            // The very edge is smoothed over one pixel.
-            const float soft = unit(to * perUnit);
-            tone[x] = unit((step + 1 - soft + 0.35F * over) * (1.0F / steps));
+            const float edgeGleam = 0.03F + 0.80F * toward * toward;
+            const float shine = 0.55F * facing * facing;
+            // How much of the pixel belongs to the step above and to the one below.
+            const float above = 0.5F - unit(to * perUnit < 0.5F ? to * perUnit : 0.5F);
+            const float below = 0.5F - unit(from * perUnit < 0.5F ? from * perUnit : 0.5F);
+            shadow[x] = mix(cast * (1 - above), deepest * away, below);
+            gleam[x] = mix(edgeGleam * exponential(from * -520.0F), edgeGleam, above) * (1 - below);
+            lit[x] = mix(shine * exponential(from * -15.0F), shine, above) * (1 - below);
+            tone[x] = unit((step + 0.35F * over + 0.65F * (above - below)) * (1.0F / steps));
         }
         for (int x = 0; x < count; ++x) {
             const LinearRgb tint = ramp.at(tone[x]);
