@@ -60,7 +60,7 @@ constexpr std::array recipes{
     Recipe{{"terrace-plum", "Plum", "Terraces"}, WallpaperFamilies::terraces,
            {12, {0x1A0B36, 0x32155C, 0x5C2888, 0xA04AA0, 0xF08CAA, 0xFFC8E8}, false}},
     Recipe{{"terrace-clay", "Clay", "Terraces"}, WallpaperFamilies::terraces,
-           {15, {0x4A1F1A, 0x8A3B2A, 0xC7684A, 0xE8A07A, 0xF6D8B8, 0xFFE8D0}, false}},
+           {23, {0x4A1F1A, 0x8A3B2A, 0xC7684A, 0xE8A07A, 0xF6D8B8, 0xFFE8D0}, false}},
     Recipe{{"terrace-paper", "Paper", "Terraces"}, WallpaperFamilies::terraces,
            {9, {0xD9DCE4, 0xE4E6EC, 0xEDEEF2, 0xF4F4F6, 0xFBFBFB, 0xFFFFFF}, true}},
 

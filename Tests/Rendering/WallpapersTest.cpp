@@ -84,7 +84,7 @@ TEST(Wallpapers, areTheSameOnEveryThread) {
 TEST(Wallpapers, areTheSameCompositionInEverySize) {
     constexpr int width = 384;
     constexpr int height = 216;
-    constexpr int factor = 3;
+    constexpr int factor = 2;
     for (const Wallpapers::Entry& entry : Wallpapers::all()) {
         const auto small = Wallpapers::draw(entry.name, width, height);
         const auto big = Wallpapers::draw(entry.name, width * factor, height * factor);
