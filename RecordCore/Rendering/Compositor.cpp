@@ -129,11 +129,15 @@ void Compositor::prepareBackdrop() {
         planes = RgbPlanes(width, height, limited(*look.solid));
         isSolid = true;
     }
-    if (!isImage && !isSolid && look.wallpaperPreset)
-        if (auto drawn = Wallpapers::draw(*look.wallpaperPreset, width, height)) {
+    if (!isImage && !isSolid && look.wallpaperPreset) {
+        if (const auto kept = Wallpapers::kept(*look.wallpaperPreset, width, height)) {
+            planes = *kept;
+            isImage = true;
+        } else if (auto drawn = Wallpapers::draw(*look.wallpaperPreset, width, height)) {
             planes = std::move(*drawn);
             isImage = true;
         }
+    }
     if (!isImage && !isSolid) planes = gradient(look.backdrop, place);
 
     if (look.blur > 0.5 && !isSolid) planes.blur(scale * look.blur);

@@ -37,7 +37,7 @@ struct CompositorSettings {
 };
 
 /// The recipe of a film's pictures: all that does not change from frame to frame is prepared once, when it is
-/// made (about 0.1 s at scale 1). Immutable, so any number of canvases on any threads may share it; only the
+/// made (about 0.2 s at scale 1). Immutable, so any number of canvases on any threads may share it; only the
 /// cache of text images changes, under its own lock. Making one never fails: what cannot be had (a wallpaper
 /// file) is left out, absurd numbers are limited.
 class Compositor {

@@ -81,6 +81,21 @@ TEST(Wallpapers, areTheSameOnEveryThread) {
     }
 }
 
+TEST(Wallpapers, areKeptForTheNextTime) {
+    const auto first = Wallpapers::kept("orbit", 160, 90);
+    EXPECT_TRUE(same(*first, *Wallpapers::draw("orbit", 160, 90)));
+    const auto second = Wallpapers::kept("silk-pearl", 160, 90);
+    EXPECT_EQ(Wallpapers::kept("orbit", 160, 90), first);
+    EXPECT_EQ(Wallpapers::kept("silk-pearl", 160, 90), second);
+    // Another name or size is another picture, and the one unused the longest goes.
+    EXPECT_EQ(Wallpapers::kept("orbit", 90, 160)->height(), 160);
+    EXPECT_FALSE(same(*Wallpapers::kept("mesh-dusk", 160, 90), *second));
+    EXPECT_EQ(first.use_count(), 1);
+    EXPECT_EQ(Wallpapers::kept("no such wallpaper", 160, 90), nullptr);
+    EXPECT_EQ(Wallpapers::kept("orbit", 0, 90), nullptr);
+    EXPECT_EQ(Wallpapers::kept("mesh-dusk", 1600, 1000), nullptr) << "a film's would only take memory";
+}
+
 TEST(Wallpapers, areTheSameCompositionInEverySize) {
     constexpr int width = 384;
     constexpr int height = 216;
