@@ -95,7 +95,7 @@ TEST(EncoderChoice, FallsBackFromWhatIsMissingBrokenOrTooSlow) {
         machine.superfast = each.superfast;
         std::string log;
         const auto encoder = chooseEncoder(
-            machine, width += 16, 64, 60, [](const Packet&) {},
+            machine, width += 16, 64, 240, [](const Packet&) {},
             [&log](const std::string& line) { log += line + "\n"; });
         EXPECT_EQ(encoder->name(), each.chosen);
         EXPECT_THAT(log, testing::HasSubstr(each.said));
