@@ -40,7 +40,8 @@ void run(const Export& options, const MediaBackend& media) {
                           {"frames", stats.frames},
                           {"repeated", stats.repeated},
                           {"outputSeconds", stats.outputSeconds},
-                          {"wallSeconds", stats.wallSeconds}};
+                          {"wallSeconds", stats.wallSeconds},
+                          {"encoder", stats.encoder}};
         fmt::print("{}\n", jsonText(object));
     } else {
         fmt::print("export: {} frames, {:.1f} s in {:.1f} s\n", stats.frames, stats.outputSeconds,

@@ -158,6 +158,7 @@ ExportStats run(const MediaBackend& media, const std::filesystem::path& source, 
     video.timeBase = frameTimeBase(options.fps);
     video.frameRate = options.fps;
     video.bitrate = options.bitrate.value_or(defaultBitrate(video.width, video.height, options.fps));
+    video.expectedEnd = scene.frameCount();
     video.keyInterval = static_cast<int>(2 * options.fps);
     const std::unique_ptr<VideoEncoder> encoder =
         media.makeVideoEncoder(video, [&](const Packet& packet) { movie->write(videoTrack, packet); });
@@ -194,6 +195,7 @@ ExportStats run(const MediaBackend& media, const std::filesystem::path& source, 
     stats.repeated = renderer.framesRepeated();
     stats.outputSeconds = plan.outputDuration();
     stats.wallSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
+    stats.encoder = encoder->name();
     return stats;
 }
 

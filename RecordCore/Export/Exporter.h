@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <string>
 
 namespace RecordCore {
 
@@ -18,6 +19,7 @@ struct ExportStats {
     std::int64_t repeated = 0; ///< of these, frames that equalled the one before
     double outputSeconds = 0;  ///< length of the film
     double wallSeconds = 0;    ///< time the export took
+    std::string encoder;       ///< what encoded the picture
 };
 
 /// Writes the finished film: decodes the recording once, composes every output frame, encodes H.264 and

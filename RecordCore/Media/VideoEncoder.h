@@ -17,8 +17,11 @@ struct VideoSettings {
     TimeBase timeBase{1, 60};
     double frameRate = 60;    ///< expected rate
     std::int64_t bitrate = 0; ///< average, bits per second
-    int keyInterval = 120;    ///< most frames from key frame to key frame
-    bool realTime = false;    ///< low delay and no reordering (capture), else best quality (film)
+    /// About where a film ends, in ticks of the time base, so that its average bit rate can be kept;
+    /// 0: not known.
+    std::int64_t expectedEnd = 0;
+    int keyInterval = 120; ///< most frames from key frame to key frame
+    bool realTime = false; ///< low delay and no reordering (capture), else best quality (film)
     /// Take a hardware encoder or none: making the encoder throws where no such one opens at this size.
     /// Off, a software encoder is made.
     bool hardware = false;

@@ -1,5 +1,6 @@
 #include "RecordCore/Media/X264/X264Encoder.h"
 
+#include "RecordCore/Media/X264/FilmRate.h"
 #include "RecordCore/Media/X264/StillPictures.h"
 #include "RecordCore/Model/RecordingError.h"
 
@@ -25,9 +26,8 @@ namespace RecordCore::X264 {
 namespace {
 
 // A picture that stands is sent once more this many frames after its last change (or after a key frame in a
-// still), with this much finer a quantiser: the change itself was coded in a hurry, the still is looked at.
+// still), with a finer quantiser: the change itself was coded in a hurry, the still is looked at.
 constexpr int framesUntilRefined = 10;
-constexpr float refinement = -6;
 constexpr int blockSide = 16;
 
 struct CloseEncoder {
@@ -53,7 +53,7 @@ private:
     };
 
     void open();
-    void describe(const x264_param_t& parameters);
+    void describe();
     void takeTime(std::int64_t pts);
     bool keyIsDue(std::int64_t pts) const;
     void keep(const PlanarView& picture, std::span<const std::uint8_t> changedBlocks);
@@ -78,7 +78,8 @@ private:
     /// Block flags that x264 may still read; one more than it can hold frames back.
     std::vector<std::vector<std::uint8_t>> blockFlags;
     std::size_t nextFlags = 0;
-    std::vector<float> finer; ///< the refinement for every block
+    std::optional<FilmRate> rate; ///< films with free stills; others leave the rate to x264
+    std::deque<int> bases;        ///< of the frames in the encoder
 
     bool started = false;
     std::int64_t lastPts = 0;
@@ -102,9 +103,8 @@ private:
 };
 
 Encoder::Encoder(const VideoSettings& wanted, PacketSink packetSink) :
-    settings(wanted), sink(std::move(packetSink)), preset(!wanted.preset.empty() ? wanted.preset
-                                                          : wanted.realTime      ? "superfast"
-                                                                                 : "veryfast") {
+    settings(wanted), sink(std::move(packetSink)),
+    preset(!wanted.preset.empty() ? wanted.preset : "superfast") {
     open();
 }
 
@@ -146,7 +146,21 @@ void Encoder::open() {
         parameters.i_frame_reference = 1;
         parameters.analyse.i_weighted_pred = X264_WEIGHTP_NONE;
         parameters.analyse.b_mixed_references = 0;
-        parameters.analyse.b_mb_info = settings.realTime ? 0 : 1;
+        if (!settings.realTime) {
+            // Every frame's quantiser is ours: nothing is left that would need a look ahead.
+            parameters.analyse.b_mb_info = 1;
+            parameters.rc.i_rc_method = X264_RC_CQP;
+            // The encoder keeps to the range that these span: quantisers from 6 to 42.
+            parameters.rc.i_qp_constant = 24;
+            parameters.rc.f_ip_factor = 8;
+            parameters.rc.f_pb_factor = 8;
+            parameters.rc.i_aq_mode = X264_AQ_NONE;
+            parameters.rc.b_mb_tree = 0;
+            parameters.rc.i_lookahead = 0;
+            parameters.i_scenecut_threshold = 0;
+            rate.emplace(static_cast<double>(settings.bitrate),
+                         settings.timeBase.seconds(settings.expectedEnd));
+        }
     } else {
         parameters.i_keyint_max = std::max(1, settings.keyInterval);
     }
@@ -158,7 +172,7 @@ void Encoder::open() {
             fmt::format("the H.264 encoder cannot be opened for {} × {}", settings.width, settings.height));
     x264_encoder_parameters(handle.get(), &parameters);
     inOrder = parameters.i_bframe == 0;
-    describe(parameters);
+    describe();
 
     columns = (settings.width + blockSide - 1) / blockSide;
     rows = (settings.height + blockSide - 1) / blockSide;
@@ -168,12 +182,11 @@ void Encoder::open() {
         blockFlags.resize(static_cast<std::size_t>(x264_encoder_maximum_delayed_frames(handle.get())) + 2);
         for (auto& flags : blockFlags)
             flags.resize(blocks);
-        finer.assign(blocks, refinement);
     }
 }
 
 /// Takes the stream's parameter sets as the avcC record (ISO/IEC 14496-15, 5.3.3.1).
-void Encoder::describe(const x264_param_t& parameters) {
+void Encoder::describe() {
     x264_nal_t* units = nullptr;
     int count = 0;
     if (x264_encoder_headers(handle.get(), &units, &count) < 0)
@@ -205,7 +218,7 @@ void Encoder::describe(const x264_param_t& parameters) {
 
     stream.codec = Codec::h264;
     stream.timeBase = settings.timeBase;
-    stream.bitrate = std::int64_t{parameters.rc.i_bitrate} * 1000;
+    stream.bitrate = settings.bitrate;
     stream.width = settings.width;
     stream.height = settings.height;
     stream.frameRate = settings.frameRate;
@@ -221,7 +234,7 @@ bool Encoder::keyIsDue(std::int64_t pts) const {
     if (!started) return true;
     if (settings.realTime)
         return settings.timeBase.seconds(pts - lastKeyPts) >= settings.keyInterval / settings.frameRate;
-    return stills && sinceKey >= settings.keyInterval;
+    return rate && sinceKey >= settings.keyInterval;
 }
 
 /// A copy of the picture is needed to send it again; only rows of blocks that changed are copied.
@@ -333,7 +346,13 @@ void Encoder::send(const PlanarView& picture, std::int64_t pts, bool key, bool s
                                });
             in.prop.mb_info = flags.data();
         }
-        if (still) in.prop.quant_offsets = finer.data();
+    }
+    if (rate) {
+        const auto kind = key     ? FilmRate::Frame::key
+                          : still ? FilmRate::Frame::refinement
+                                  : FilmRate::Frame::change;
+        in.i_qpplus1 = rate->quantiser(kind, settings.timeBase.seconds(pts)) + 1;
+        bases.push_back(rate->base());
     }
     if (key) {
         sinceKey = 0;
@@ -352,6 +371,10 @@ void Encoder::send(const PlanarView& picture, std::int64_t pts, bool key, bool s
 }
 
 void Encoder::receive(x264_nal_t* units, int count, int size, const x264_picture_t& out) {
+    if (rate && !bases.empty()) {
+        rate->coded(std::int64_t{8} * size, bases.front());
+        bases.pop_front();
+    }
     outgoing.clear();
     if (!stills) {
         outgoing.insert(outgoing.end(), units[0].p_payload, units[0].p_payload + size);

@@ -1,0 +1,92 @@
+#include "RecordCore/Media/X264/FilmRate.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <set>
+#include <utility>
+
+using RecordCore::X264::FilmRate;
+
+namespace {
+
+constexpr double rate = 7.5e6;
+
+struct Outcome {
+    double average = 0; ///< bits per second
+    std::set<int> quantisers;
+    int steps = 0; ///< times the quantiser changed
+};
+
+/// A film whose frame at `t` would take `bits(t)` at quantiser 28, half of it for every six more. The encoder
+/// answers three frames later.
+Outcome film(double seconds, const std::function<double(double)>& bits) {
+    FilmRate filmRate(rate, seconds);
+    Outcome outcome;
+    std::deque<std::pair<std::int64_t, int>> encoder;
+    const int frames = static_cast<int>(seconds * 60);
+    double sum = 0;
+    int before = 0;
+    for (int i = 0; i < frames; ++i) {
+        const double t = i / 60.0;
+        const auto kind = i % 120 == 0 ? FilmRate::Frame::key : FilmRate::Frame::change;
+        const int q = filmRate.quantiser(kind, t);
+        const auto size = static_cast<std::int64_t>(bits(t) * std::exp2((28 - q) / 6.0));
+        sum += static_cast<double>(size);
+        encoder.emplace_back(size, filmRate.base());
+        if (encoder.size() > 3) {
+            filmRate.coded(encoder.front().first, encoder.front().second);
+            encoder.pop_front();
+        }
+        if (kind == FilmRate::Frame::key) continue;
+        if (before != 0 && q != before) ++outcome.steps;
+        before = q;
+        outcome.quantisers.insert(q);
+    }
+    outcome.average = sum / seconds;
+    return outcome;
+}
+
+TEST(FilmRate, KeepsTheAverage) {
+    const double even = rate / 60;
+    struct Case {
+        const char* name;
+        double seconds;
+        std::function<double(double)> bits;
+        double tolerance;
+    };
+    const Case cases[] = {
+        {"even", 60, [&](double) { return even; }, 0.03},
+        {"twice what there is", 60, [&](double) { return 2 * even; }, 0.03},
+        {"a little less", 60, [&](double) { return 0.8 * even; }, 0.03},
+        {"a burst in the middle", 60, [&](double t) { return t > 25 && t < 32 ? 4 * even : 0.8 * even; },
+         0.05},
+        {"heavier to the end", 60, [&](double t) { return even * (0.7 + t / 60); }, 0.05},
+        {"bursts", 120, [&](double t) { return std::fmod(t, 10) < 3 ? 2.5 * even : 0.4 * even; }, 0.04},
+    };
+    for (const Case& c : cases) {
+        const Outcome outcome = film(c.seconds, c.bits);
+        EXPECT_NEAR(outcome.average / rate, 1, c.tolerance) << c.name;
+        EXPECT_LT(outcome.steps, c.seconds)
+            << c.name << ": a quantiser that keeps changing codes stills anew";
+    }
+}
+
+TEST(FilmRate, SpendsNothingOnWhatNobodySees) {
+    const Outcome outcome = film(60, [](double) { return rate / 60 / 20; });
+    EXPECT_LT(outcome.average, rate / 8);
+    EXPECT_GE(*outcome.quantisers.begin(), 20);
+}
+
+TEST(FilmRate, StillsAndKeysAreFiner) {
+    FilmRate filmRate(rate, 0);
+    const int change = filmRate.quantiser(FilmRate::Frame::change, 0);
+    EXPECT_LT(filmRate.quantiser(FilmRate::Frame::key, 0), change);
+    EXPECT_LT(filmRate.quantiser(FilmRate::Frame::refinement, 0),
+              filmRate.quantiser(FilmRate::Frame::key, 0));
+}
+
+} // namespace
