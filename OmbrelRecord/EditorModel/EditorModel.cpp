@@ -50,6 +50,25 @@ QVariantList rangeList(const std::vector<TimeRange>& ranges) {
     return list;
 }
 
+QString reasonName(SpeedSegment::Reason reason);
+
+QVariantMap blockMap(const SpeedBlock& block) {
+    QVariantMap map = rangeMap(block.start, block.end);
+    map.insert(QStringLiteral("id"), text(block.id));
+    map.insert(QStringLiteral("speed"), block.speed);
+    map.insert(QStringLiteral("reason"), reasonName(block.reason));
+    return map;
+}
+
+QVariantMap blockMap(const ZoomBlock& block) {
+    QVariantMap map = rangeMap(block.start, block.end);
+    map.insert(QStringLiteral("id"), text(block.id));
+    map.insert(QStringLiteral("x"), block.x);
+    map.insert(QStringLiteral("y"), block.y);
+    map.insert(QStringLiteral("zoom"), block.zoom);
+    return map;
+}
+
 QString reasonName(SpeedSegment::Reason reason) {
     const std::string_view word = RecordCore::name(reason);
     return QString::fromUtf8(word.data(), static_cast<qsizetype>(word.size()));
@@ -71,6 +90,8 @@ EditorModel::EditorModel(OpenedRecording recording, EditorParts editorParts, QOb
         Q_EMIT saveFailureChanged();
     });
     cameraThere = opened.camera().has_value();
+    connect(this, &EditorModel::projectChanged, this, &EditorModel::selectedBlockChanged);
+    connect(this, &EditorModel::selectionChanged, this, &EditorModel::selectedBlockChanged);
     rebuildTimer.setSingleShot(true);
     connect(&rebuildTimer, &QTimer::timeout, this, &EditorModel::rebuilt);
     makePlan();
@@ -644,25 +665,56 @@ QVariantList EditorModel::segmentList() const {
 
 QVariantList EditorModel::speedBlockList() const {
     QVariantList list;
-    for (const SpeedBlock& block : speedBlocks()) {
-        QVariantMap map = rangeMap(block.start, block.end);
-        map.insert(QStringLiteral("id"), text(block.id));
-        map.insert(QStringLiteral("speed"), block.speed);
-        map.insert(QStringLiteral("reason"), reasonName(block.reason));
-        list.append(map);
-    }
+    for (const SpeedBlock& block : speedBlocks())
+        list.append(blockMap(block));
     return list;
 }
 
 QVariantList EditorModel::zoomBlockList() const {
     QVariantList list;
-    for (const ZoomBlock& block : zoomBlocks()) {
-        QVariantMap map = rangeMap(block.start, block.end);
-        map.insert(QStringLiteral("id"), text(block.id));
-        map.insert(QStringLiteral("x"), block.x);
-        map.insert(QStringLiteral("y"), block.y);
-        map.insert(QStringLiteral("zoom"), block.zoom);
-        list.append(map);
+    for (const ZoomBlock& block : zoomBlocks())
+        list.append(blockMap(block));
+    return list;
+}
+
+QVariantMap EditorModel::selectedBlockMap() const {
+    QVariantMap map{{QStringLiteral("kind"), QStringLiteral("none")}};
+    if (const auto* speed = std::get_if<Selection::Speed>(&selected)) {
+        for (const SpeedBlock& block : speedBlocks())
+            if (block.id == speed->id) map = blockMap(block);
+        map.insert(QStringLiteral("kind"), QStringLiteral("speed"));
+    } else if (const auto* zoom = std::get_if<Selection::Zoom>(&selected)) {
+        for (const ZoomBlock& block : zoomBlocks())
+            if (block.id == zoom->id) map = blockMap(block);
+        map.insert(QStringLiteral("kind"), QStringLiteral("zoom"));
+    }
+    return map;
+}
+
+QVariantMap EditorModel::captionWord(int index) const {
+    if (index < 0 || index >= captionCount()) return {};
+    const CaptionWord& word = (*current.captions)[static_cast<std::size_t>(index)];
+    QVariantMap map = rangeMap(word.start, word.end);
+    map.insert(QStringLiteral("text"), QString::fromStdString(word.text));
+    return map;
+}
+
+QVariantList EditorModel::captionRows() const {
+    constexpr int longest = 6;    // words
+    constexpr double pause = 0.7; // seconds
+    QVariantList list;
+    int first = 0;
+    for (int i = 1; i <= captionCount(); ++i) {
+        const std::vector<CaptionWord>& words = *current.captions;
+        const auto at = static_cast<std::size_t>(i);
+        const char last = words[at - 1].text.empty() ? ' ' : words[at - 1].text.back();
+        if (i < captionCount() && i - first < longest && words[at].start - words[at - 1].end <= pause &&
+            last != '.' && last != '!' && last != '?')
+            continue;
+        list.append(QVariantMap{{QStringLiteral("first"), first},
+                                {QStringLiteral("count"), i - first},
+                                {QStringLiteral("start"), words[static_cast<std::size_t>(first)].start}});
+        first = i;
     }
     return list;
 }

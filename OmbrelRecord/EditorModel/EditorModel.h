@@ -53,6 +53,10 @@ class EditorModel : public QObject {
     Q_PROPERTY(double sourceTime READ sourceTime NOTIFY playheadChanged)
     Q_PROPERTY(bool playing READ playing NOTIFY playingChanged)
     Q_PROPERTY(QVariantMap selection READ selectionMap NOTIFY selectionChanged)
+    Q_PROPERTY(QVariantMap selectedBlock READ selectedBlockMap NOTIFY selectedBlockChanged)
+    Q_PROPERTY(int speedBlockCount READ speedBlockCount NOTIFY planChanged)
+    Q_PROPERTY(int zoomBlockCount READ zoomBlockCount NOTIFY planChanged)
+    Q_PROPERTY(int captionCount READ captionCount NOTIFY projectChanged)
     Q_PROPERTY(ExportState exportState READ exportState NOTIFY exportChanged)
     Q_PROPERTY(double exportProgress READ exportProgress NOTIFY exportChanged)
     Q_PROPERTY(bool exportCancelling READ exportCancelling NOTIFY exportChanged)
@@ -164,6 +168,16 @@ public:
     /// Forgets the captions.
     Q_INVOKABLE void removeCaptions();
 
+    // Views take these instead of the lists above: a list of a property is read whole for each of its
+    // elements.
+    int speedBlockCount() const { return static_cast<int>(speedBlocks().size()); }
+    int zoomBlockCount() const { return static_cast<int>(zoomBlocks().size()); }
+    int captionCount() const { return current.captions ? static_cast<int>(current.captions->size()) : 0; }
+    /// One word: {text, start, end}.
+    Q_INVOKABLE QVariantMap captionWord(int index) const;
+    /// The words in short lines, to be read and edited: [{first, count, start}].
+    Q_INVOKABLE QVariantList captionRows() const;
+
     const Selection::Value& selection() const { return selected; }
     void select(const Selection::Value& selection);
     Q_INVOKABLE void selectRange(double start, double end);
@@ -234,6 +248,8 @@ Q_SIGNALS:
     void playheadChanged();
     void playingChanged();
     void selectionChanged();
+    /// Another block is selected, or the one that is has changed.
+    void selectedBlockChanged();
     void exportChanged();
     void captioningChanged();
     void saveFailureChanged();
@@ -262,6 +278,8 @@ private:
     QVariantList interiorCutList() const;
     QVariantList captionList() const;
     QVariantMap selectionMap() const;
+    /// The block that is selected: {kind ("speed", "zoom", "none"), id, start, end, speed or x, y, zoom}.
+    QVariantMap selectedBlockMap() const;
     QString exportedFileName() const { return QString::fromStdString(exported.string()); }
 
     OpenedRecording opened;

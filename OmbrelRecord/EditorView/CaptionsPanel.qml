@@ -10,28 +10,12 @@ InspectorPanel {
     title: qsTr("Captions")
     fields: ["captionStyle", "captionSize", "captionBottom"]
 
-    readonly property var words: editor.captions
-    readonly property bool any: words.length > 0
+    readonly property int count: editor.captionCount
+    readonly property bool any: count > 0
     property string saved
-
-    /// Words by lines, as index ranges; made anew only when their number changes, so that an edit of one word
-    /// leaves the list where it is.
+    /// Made anew only when the number of words changes, so that an edit of one leaves the list where it is.
     property var lines: []
-    readonly property int count: words.length
-    onCountChanged: {
-        const list = [];
-        let from = 0;
-        for (let i = 1; i <= count; ++i) {
-            const full = i - from >= 6;
-            const pause = i < count && words[i].start - words[i - 1].end > 0.7;
-            const ended = /[.!?]$/.test(words[i - 1].text);
-            if (i === count || full || pause || ended) {
-                list.push({ first: from, count: i - from, start: words[from].start });
-                from = i;
-            }
-        }
-        lines = list;
-    }
+    onCountChanged: lines = editor.captionRows()
 
     Column {
         width: parent.width
@@ -182,7 +166,7 @@ InspectorPanel {
 
                             required property int index
                             readonly property int at: line.modelData.first + index
-                            readonly property string given: root.words[at]?.text ?? ""
+                            readonly property string given: root.editor.captionCount > at ? root.editor.captionWord(at).text : ""
 
                             leftPadding: 6
                             rightPadding: 6
@@ -199,7 +183,7 @@ InspectorPanel {
                             onActiveFocusChanged: {
                                 if (!activeFocus) return;
                                 selectAll();
-                                root.editor.seek(root.editor.outputTime(root.words[at].start));
+                                root.editor.seek(root.editor.outputTime(root.editor.captionWord(at).start));
                             }
                             onEditingFinished: if (text !== given) root.editor.editCaption(at, text)
                             Keys.onEscapePressed: text = given

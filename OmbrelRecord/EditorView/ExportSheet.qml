@@ -64,6 +64,7 @@ T.Popup {
     closePolicy: T.Popup.CloseOnEscape
     padding: Theme.xl
     width: 480
+    implicitHeight: contentItem.implicitHeight + topPadding + bottomPadding
     T.Overlay.modal: Rectangle { color: Theme.scrim }
     enter: Transition { NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Theme.quick } }
     exit: Transition { NumberAnimation { property: "opacity"; from: 1; to: 0; duration: Theme.quick } }

@@ -19,6 +19,8 @@ FocusScope {
     property string hint
     property real time: 0
     readonly property alias ready: still.ready
+    /// Whether the keyboard was used last: only then does the focus show.
+    property bool byKeys: false
 
     signal begun()
     signal edited(rect frame)
@@ -76,6 +78,7 @@ FocusScope {
     Accessible.focusable: true
 
     Keys.onPressed: event => {
+        byKeys = true;
         const grow = event.modifiers & Qt.ShiftModifier;
         const dx = event.key === Qt.Key_Right ? 0.01 : event.key === Qt.Key_Left ? -0.01 : 0;
         const dy = event.key === Qt.Key_Down ? 0.01 : event.key === Qt.Key_Up ? -0.01 : 0;
@@ -135,6 +138,7 @@ FocusScope {
             preventStealing: true
             onPressed: event => {
                 root.forceActiveFocus(Qt.MouseFocusReason);
+                root.byKeys = false;
                 from = root.frame;
                 at = mapToItem(board, event.x, event.y);
                 root.begun();
@@ -220,7 +224,11 @@ FocusScope {
         }
     }
 
-    FocusRing { shown: root.activeFocus && !body.pressed; around: 4 }
+    FocusRing {
+        anchors.fill: board
+        around: 4
+        shown: root.activeFocus && root.byKeys && !body.pressed
+    }
 
     Rectangle {
         anchors.horizontalCenter: parent.horizontalCenter

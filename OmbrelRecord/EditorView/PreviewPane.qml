@@ -9,12 +9,7 @@ Item {
     /// "", "crop" or "zoom".
     property string aim
     readonly property bool aiming: aim.length > 0
-    readonly property var block: {
-        const selection = editor.selection;
-        if (selection.kind !== "zoom")
-            return null;
-        return editor.zoomBlocks.find(each => each.id === selection.id) ?? null;
-    }
+    readonly property var block: editor.selectedBlock.kind === "zoom" ? editor.selectedBlock : null
     readonly property var crop: editor.project.crop
     readonly property size base: editor.viewBase
     readonly property bool ready: aiming ? (frame.item?.ready ?? false) : film.ready

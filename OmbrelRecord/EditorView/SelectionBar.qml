@@ -12,13 +12,7 @@ Rectangle {
 
     readonly property string kind: hand.selectionKind
     readonly property rect target: hand.selectionRect
-    readonly property var block: {
-        if (kind !== "speed" && kind !== "zoom")
-            return null;
-        const list = kind === "speed" ? editor.speedBlocks : editor.zoomBlocks;
-        const id = editor.selection.id;
-        return list.find(each => each.id === id) ?? null;
-    }
+    readonly property var block: kind === "speed" || kind === "zoom" ? editor.selectedBlock : null
     readonly property bool inView: target.x + target.width > 0 && target.x < availableWidth
 
     signal panelWanted(string panel)

@@ -14,6 +14,7 @@ T.Popup {
     closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutside
     padding: Theme.xl
     width: 720
+    implicitHeight: contentItem.implicitHeight + topPadding + bottomPadding
     T.Overlay.modal: Rectangle { color: Theme.scrim }
     enter: Transition { NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Theme.quick } }
     background: Rectangle {

@@ -6,12 +6,7 @@ import OmbrelRecord
 InspectorPanel {
     id: root
 
-    readonly property var block: {
-        const selection = editor.selection;
-        if (selection.kind !== "speed")
-            return null;
-        return editor.speedBlocks.find(each => each.id === selection.id) ?? null;
-    }
+    readonly property var block: editor.selectedBlock.kind === "speed" ? editor.selectedBlock : null
 
     title: qsTr("Speed")
     fields: ["skipWaiting", "maxSpeed"]

@@ -301,13 +301,13 @@ FocusScope {
         LaneFocus {
             objectName: "speedLane"
             zone: TimelineController.Speed
-            count: root.editor.speedBlocks.length
+            count: root.editor.speedBlockCount
             name: qsTr("Speed lane, %1 blocks").arg(count)
         }
         LaneFocus {
             objectName: "zoomLane"
             zone: TimelineController.Zoom
-            count: root.editor.zoomBlocks.length
+            count: root.editor.zoomBlockCount
             name: qsTr("Zoom lane, %1 blocks").arg(count)
         }
 

@@ -7,12 +7,7 @@ InspectorPanel {
     id: root
 
     property bool aiming: false
-    readonly property var block: {
-        const selection = editor.selection;
-        if (selection.kind !== "zoom")
-            return null;
-        return editor.zoomBlocks.find(each => each.id === selection.id) ?? null;
-    }
+    readonly property var block: editor.selectedBlock.kind === "zoom" ? editor.selectedBlock : null
 
     signal aimWanted(bool aim)
 
