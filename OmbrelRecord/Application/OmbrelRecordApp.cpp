@@ -2,6 +2,7 @@
 
 #include "OmbrelRecord/AppModel/Diag.h"
 #include "OmbrelRecord/EditorModel/EditorModel.h"
+#include "OmbrelRecord/Icons/IconProvider.h"
 #include "OmbrelRecord/Icons/IconSet.h"
 #include "OmbrelRecord/Theme/Theme.h"
 
