@@ -46,7 +46,7 @@ bool SingleInstance::tellOther() {
 }
 
 bool SingleInstance::claim() {
-    if (server.listen(place)) return true;
+    // Asked first: listening would quietly take the socket's name away from the other.
     if (tellOther()) return false;
     // What a crash left behind.
     QLocalServer::removeServer(place);

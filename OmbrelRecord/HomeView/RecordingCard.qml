@@ -151,6 +151,8 @@ T.AbstractButton {
             iconSize: 18
             iconName: "reveal"
             overPicture: true
+            // The keyboard has Delete and the menu for it; its focus stays on the card.
+            focusPolicy: Qt.NoFocus
             tip: qsTr("Show in the file manager")
             onClicked: control.revealWanted()
         }
@@ -161,6 +163,8 @@ T.AbstractButton {
             iconSize: 18
             iconName: "trash"
             overPicture: true
+            // The keyboard has Delete and the menu for it; its focus stays on the card.
+            focusPolicy: Qt.NoFocus
             tip: qsTr("Move to Trash")
             keys: qsTr("Delete")
             onClicked: control.trashWanted()

@@ -34,13 +34,34 @@ T.Slider {
     focusPolicy: Qt.StrongFocus
     wheelEnabled: false
     onMoved: edited(value)
-    onPressedChanged: if (!pressed) finished()
+    onPressedChanged: if (!pressed) released()
+
+    property bool byPointer: false
+    property double lastRelease: 0
+    property real lastPlace: -1
+
+    // The slider keeps the pointer to itself, so it counts its clicks on its own.
+    function released() {
+        const now = Date.now();
+        const again = byPointer && now - lastRelease < Qt.styleHints.mouseDoubleClickInterval
+            && Math.abs(position - lastPlace) < 0.04;
+        lastRelease = now;
+        lastPlace = position;
+        if (again && !isNaN(resetValue) && value !== resetValue)
+            reset();
+        else
+            finished();
+    }
 
     Accessible.role: Accessible.Slider
     Accessible.name: label.length > 0 ? label : tip
     Accessible.description: valueText + (tip.length > 0 ? ". " + tip : "")
 
+    PointHandler {
+        onActiveChanged: if (active) control.byPointer = true
+    }
     Keys.onPressed: event => {
+        control.byPointer = false;
         if (event.key === Qt.Key_Backspace || event.key === Qt.Key_Delete) {
             control.reset();
             event.accepted = true;
@@ -106,10 +127,6 @@ T.Slider {
         Behavior on scale { NumberAnimation { duration: Theme.quick } }
 
         FocusRing { shown: control.visualFocus; radius: 11 }
-    }
-
-    TapHandler {
-        onDoubleTapped: control.reset()
     }
 
     Tooltip { text: control.tip; shown: control.hovered && !control.pressed }
