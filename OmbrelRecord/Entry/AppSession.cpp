@@ -39,7 +39,8 @@ AppSession::AppSession() :
     speech(makeSpeechEngine(*mediaBackend)), sources(*services.screen),
     cameras(services.cameras.get(), devices),
     thumbnails(*mediaBackend, place(QStandardPaths::GenericCacheLocation) / "stills"),
-    loader(*mediaBackend, editorParts()), appModel(std::make_unique<AppModel>(appParts())) {}
+    updates(Updates::Source::ofBuild()), loader(*mediaBackend, editorParts()),
+    appModel(std::make_unique<AppModel>(appParts())) {}
 
 AppSession::~AppSession() = default;
 
@@ -84,6 +85,7 @@ AppParts AppSession::appParts() {
     parts.sound = services.sound.get();
     parts.thumbnails = &thumbnails;
     parts.settings = &settings;
+    parts.update = &updates;
     parts.library = library;
     parts.sample = resource("sample");
     parts.sampleHome = place(QStandardPaths::GenericDataLocation);

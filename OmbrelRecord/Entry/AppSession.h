@@ -13,6 +13,7 @@
 #include "OmbrelRecord/Entry/CaptureServices.h"
 #include "OmbrelRecord/Entry/DesktopHotKey.h"
 #include "OmbrelRecord/Transcriber/SpeechRecognizer.h"
+#include "OmbrelRecord/Updates/Updates.h"
 #include "RecordCore/Media/MediaBackend.h"
 
 #include <QtCore/QSettings>
@@ -31,6 +32,7 @@ public:
 
     AppModel& model() { return *appModel; }
     ApplicationWindows& windows() { return applicationWindows; }
+    QSettings& preferences() { return settings; }
     const RecordCore::MediaBackend& media() const { return *mediaBackend; }
 
     /// What editors work with in this session, for those who open one without the model.
@@ -56,6 +58,7 @@ private:
     SessionSources sources;
     SessionCameras cameras;
     Thumbnails thumbnails;
+    Updates updates;
     EditorLoader loader;
     std::unique_ptr<AppModel> appModel;
 };

@@ -1,5 +1,6 @@
 #include "OmbrelRecord/AppModel/Diag.h"
 #include "OmbrelRecord/Application/OmbrelRecordApp.h"
+#include "OmbrelRecord/Application/SingleInstance.h"
 #include "OmbrelRecord/Entry/AppSession.h"
 #include "OmbrelRecord/Entry/Entry.h"
 #include "OmbrelRecord/Entry/Jobs.h"
@@ -7,18 +8,10 @@
 #include <QtCore/QSysInfo>
 #include <QtCore/QTimer>
 #include <QtGui/QGuiApplication>
-#include <QtQml/QQmlApplicationEngine>
 #include <cstdio>
 #include <fmt/format.h>
 
 namespace OmbrelRecord {
-
-namespace {
-
-/// The QML type that holds all windows; it is made with the model as its property `app`.
-constexpr auto rootView = "MainWindow";
-
-} // namespace
 
 int Entry::headless(int argc, char** argv, const std::function<void()>& job) {
     // No windows, and no display needed; what captures the screen has connections of its own.
@@ -34,24 +27,27 @@ int Entry::headless(int argc, char** argv, const std::function<void()>& job) {
 }
 
 int Jobs::application(int argc, char** argv) {
+    if (const std::string missing = OmbrelRecordApp::missingDisplay(); !missing.empty()) {
+        fmt::print(stderr, "ombrel-record: {}\n", missing);
+        return 1;
+    }
     OmbrelRecordApp::prepare();
     QGuiApplication application(argc, argv);
+    SingleInstance instance;
+    if (!instance.claim()) return 0; // the one that runs already has come to the front
     OmbrelRecordApp::dress();
-    // While a recording runs there is no window but its panel.
-    QGuiApplication::setQuitOnLastWindowClosed(false);
     Diag::install(OMBREL_VERSION, QSysInfo::prettyProductName().toStdString());
     AppSession session;
-    QQmlApplicationEngine engine;
-    OmbrelRecordApp::prepare(engine);
-    QObject::connect(&engine, &QQmlEngine::quit, &application, &QCoreApplication::quit);
-    engine.setInitialProperties({{QStringLiteral("app"), QVariant::fromValue(&session.model())}});
-    engine.load(OmbrelRecordApp::view(QString::fromLatin1(rootView)));
-    if (engine.rootObjects().isEmpty()) {
-        fmt::print(stderr, "ombrel-record: the windows could not be opened\n");
+    OmbrelRecordApp windows(session.model(), &session.preferences());
+    session.windows().openMainWindow = [&windows] { windows.openMainWindow(); };
+    QObject::connect(&instance, &SingleInstance::startedAgain, &windows, &OmbrelRecordApp::startedAgain);
+    if (!windows.openMainWindow()) {
+        fmt::print(stderr, "ombrel-record: the window could not be opened; {} tells why\n",
+                   Diag::file().string());
+        Diag::flush();
         return 1;
     }
     session.model().begin();
-    session.model().showMain();
     const int status = QCoreApplication::exec();
     Diag::flush();
     return status;

@@ -1,3 +1,5 @@
+#include "OmbrelRecord/Application/Snapshot.h"
+#include "OmbrelRecord/Application/StillLife.h"
 #include "OmbrelRecord/EditorModel/OpenedRecording.h"
 #include "OmbrelRecord/Entry/Backends.h"
 #include "OmbrelRecord/Entry/FilmTake.h"
@@ -5,6 +7,7 @@
 #include "RecordCore/Model/RecordingError.h"
 #include "RecordCore/Rendering/Wallpapers.h"
 
+#include <QtCore/QTemporaryDir>
 #include <QtGui/QFont>
 #include <QtGui/QPainter>
 #include <algorithm>
@@ -375,7 +378,22 @@ private:
         }
         for (int number = 3; number >= 1; --number)
             save(count(number), root / fmt::format("count-{}.jpg", number));
+        home();
         say("stills done");
+    }
+
+    /// The home screen in both colour schemes.
+    void home() const {
+        std::vector<Snapshot::View> views = StillLife::views(*media, video);
+        std::erase_if(views, [](const Snapshot::View& view) { return view.name != QLatin1String("home"); });
+        const QTemporaryDir place;
+        for (const std::string& problem : Snapshot::write(views, place.path().toStdString()))
+            say("{}", problem);
+        for (const char* name : {"home", "light-home"}) {
+            const QImage picture(place.filePath(QStringLiteral("%1.png").arg(QLatin1String(name))));
+            if (!picture.isNull())
+                save(picture.convertToFormat(QImage::Format_RGB32), root / fmt::format("{}.jpg", name));
+        }
     }
 
     /// A number of the countdown over the screen that is about to be recorded.

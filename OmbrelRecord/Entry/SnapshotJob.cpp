@@ -1,20 +1,55 @@
-#include "OmbrelRecord/AppModel/Desktop.h"
 #include "OmbrelRecord/Application/Snapshot.h"
+#include "OmbrelRecord/Application/StillLife.h"
+#include "OmbrelRecord/EditorModel/EditorModel.h"
+#include "OmbrelRecord/EditorView/EditorSnapshots.h"
+#include "OmbrelRecord/Entry/AppSession.h"
 #include "OmbrelRecord/Entry/Jobs.h"
+#include "RecordCore/Model/RecordingFiles.h"
 
+#include <QtCore/QTemporaryDir>
 #include <cstdio>
 #include <exception>
 #include <fmt/format.h>
+#include <utility>
 
 namespace OmbrelRecord {
 
-void Jobs::snapshot(const std::filesystem::path& folder, const std::filesystem::path&) {
-    Snapshot::View controls;
-    controls.name = QStringLiteral("controls");
-    controls.size = QSize(1320, 788);
-    controls.type = QStringLiteral("ControlGallery");
+using namespace RecordCore;
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// The recording of a video in a folder of its own, where editing it harms nothing. The raw material is only
+/// linked.
+RecordingFiles borrowed(const fs::path& video, const fs::path& place) {
+    const RecordingFiles from{video.parent_path()}, to{place};
+    std::error_code missing;
+    fs::create_symlink(video, to.video(), missing);
+    for (const auto& [file, link] :
+         {std::pair(from.camera(), to.camera()), std::pair(from.input(), to.input()),
+          std::pair(from.activity(), to.activity())})
+        if (fs::exists(file, missing)) fs::create_symlink(file, link, missing);
+    if (fs::exists(from.project(), missing)) fs::copy_file(from.project(), to.project(), missing);
+    return to;
+}
+
+} // namespace
+
+void Jobs::snapshot(const fs::path& folder, const fs::path& video) {
     try {
-        for (const std::string& problem : Snapshot::write({controls}, folder))
+        const QTemporaryDir place;
+        const RecordingFiles files = borrowed(video, place.path().toStdString());
+        AppSession session;
+        std::optional<InputLog> log;
+        if (fs::exists(files.input())) log = InputLog::load(files.input());
+        EditorModel editor(
+            OpenedRecording::open(session.media(), files.video(), std::move(log), files.folder),
+            session.editorParts());
+        std::vector<Snapshot::View> views = StillLife::views(session.media(), video);
+        for (Snapshot::View& view : EditorSnapshots::views(editor))
+            views.push_back(std::move(view));
+        for (const std::string& problem : Snapshot::write(views, folder))
             fmt::print(stderr, "ombrel-record: {}\n", problem);
     } catch (const std::exception& error) {
         fmt::print(stderr, "ombrel-record: {}\n", error.what());

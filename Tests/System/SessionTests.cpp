@@ -151,6 +151,31 @@ TEST_F(Session, FromTheHotKeyToTheFilm) {
     }
 }
 
+TEST_F(Session, TheProgramRecordsByTheHotKeyAndShowsTheEditor) {
+    TestWindow window(*screen, "Work", 50, 50, 400, 300, 0x303030);
+    keepBusy(window);
+    // This process shows nothing; the program does.
+    ChildProcess program({OMBREL_RECORD_PROGRAM}, {{{"QT_QPA_PLATFORM", "xcb"}}, {}});
+    Diag::flush();
+    const std::size_t before = fs::exists(Diag::file()) ? fs::file_size(Diag::file()) : 0;
+    const auto logged = [&](const char* line) {
+        return fs::exists(Diag::file()) && readFile(Diag::file()).find(line, before) != std::string::npos;
+    };
+    ASSERT_TRUE(eventually(60, [&] {
+        screen->typeKeys(hotKey); // which nobody hears before it is grabbed, nor while the countdown runs
+        return logged("record: start");
+    }));
+    ASSERT_TRUE(eventually(60, [&] { return logged("record: capturing"); }));
+    const double began = monotonicSeconds();
+    EXPECT_TRUE(eventually(20, [&] { return monotonicSeconds() > began + 1.5; }));
+    screen->typeKeys(hotKey);
+    EXPECT_TRUE(eventually(60, [&] { return logged("editor: open"); })) << readFile(Diag::file());
+    program.terminate();
+    const std::vector<Recording> recordings = Library().recordings();
+    ASSERT_FALSE(recordings.empty());
+    EXPECT_NO_THROW(static_cast<void>(InputLog::load(RecordingFiles{recordings.front().folder}.input())));
+}
+
 TEST_F(Session, AWindowIsRecordedAndDiscarded) {
     TestWindow window(*screen, "Work", 50, 50, 400, 300, 0x303030);
     keepBusy(window);
