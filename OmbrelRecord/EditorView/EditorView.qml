@@ -72,14 +72,19 @@ FocusScope {
         case Qt.Key_F1: help.open(); break;
         case Qt.Key_Escape:
             if (timeline.hand.cancel()) break;
-            if (aim.length > 0) { aim = ""; root.forceActiveFocus(); break; }
+            if (aim.length > 0) { aim = ""; rest.forceActiveFocus(); break; }
             if (editor.selection.kind !== "none") { editor.selectNothing(); break; }
-            root.forceActiveFocus();
+            rest.forceActiveFocus();
             break;
         default: event.accepted = false;
         }
     }
 
+    // Has the focus while no control has it.
+    Item {
+        id: rest
+        focus: true
+    }
     Rectangle {
         anchors.fill: parent
         color: Theme.background
@@ -106,7 +111,7 @@ FocusScope {
         aim: root.aim
         onAimDone: {
             root.aim = "";
-            root.forceActiveFocus();
+            rest.forceActiveFocus();
         }
     }
 
@@ -150,6 +155,7 @@ FocusScope {
             height: implicitHeight
             editor: root.editor
             onPanelWanted: panel => root.panel = panel
+            onTouched: rest.forceActiveFocus()
         }
     }
 

@@ -14,6 +14,8 @@ FocusScope {
 
     /// Asks for the panel that shows what is selected.
     signal panelWanted(string panel)
+    /// The pointer was used: the keys are the editor's again, not a lane's.
+    signal touched()
 
     implicitHeight: hand.height + 14
     LayoutMirroring.enabled: false
@@ -239,7 +241,7 @@ FocusScope {
             preventStealing: true
             cursorShape: hand.cursor
             onPressed: event => {
-                root.forceActiveFocus(Qt.MouseFocusReason);
+                root.touched();
                 hand.press(event.x, event.y, event.modifiers & Qt.ShiftModifier);
                 if (hand.selectionKind === "speed" || hand.selectionKind === "zoom")
                     root.panelWanted(hand.selectionKind);

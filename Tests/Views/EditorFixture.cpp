@@ -26,8 +26,12 @@ EditorFixture::EditorFixture() {
 void EditorFixture::reopen() {
     editor.reset();
     RecordingFiles files{folder()};
+    // Decoded once for all tests of a run.
+    static std::vector<ActivitySample> activity;
+    if (!activity.empty() && !fs::exists(files.activity())) saveActivity(activity, files.activity());
     std::optional<InputLog> log;
     if (fs::exists(files.input())) log = InputLog::load(files.input());
     editor = std::make_unique<EditorModel>(
         OpenedRecording::open(media, files.video(), std::move(log), folder()), given);
+    activity = editor->recording().samples;
 }

@@ -16,6 +16,7 @@ public:
     std::filesystem::path folder() const { return place / "Recording"; }
     std::filesystem::path films() const { return place / "Films"; }
     OmbrelRecord::EditorParts& parts() { return given; }
+    const RecordCore::MediaBackend& backend() const { return media; }
     /// Opens it again, with the parts as they are now.
     void reopen();
 

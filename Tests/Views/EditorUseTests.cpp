@@ -1,0 +1,216 @@
+#include "OmbrelRecord/Application/OmbrelRecordApp.h"
+#include "OmbrelRecord/EditorModel/ExportQueue.h"
+#include "OmbrelRecord/EditorModel/TimelineController.h"
+#include "RecordCore/Export/Exporter.h"
+#include "Tests/Views/EditorFixture.h"
+
+#include <QtCore/QElapsedTimer>
+#include <QtGui/QAccessible>
+#include <QtGui/QGuiApplication>
+#include <QtGui/QMouseEvent>
+#include <QtQml/QQmlComponent>
+#include <QtQml/QQmlEngine>
+#include <QtQuick/QQuickItem>
+#include <QtQuick/QQuickWindow>
+#include <functional>
+#include <gmock/gmock.h>
+
+namespace OmbrelRecord {
+namespace {
+
+using namespace RecordCore;
+using Zone = TimelineController::Zone;
+
+/// The editor in a window, and hands that use it through the window alone.
+class EditorUse : public testing::Test {
+protected:
+    void SetUp() override {
+        Project plain;
+        plain.skipWaiting = false;
+        plain.followAction = false;
+        plain.save(RecordingFiles{fixture.folder()}.project());
+        fixture.parts().exportFilm = [this](const ExportJob& job, const auto& progress,
+                                            const std::atomic<bool>& cancel) {
+            Exporter::Hooks hooks;
+            hooks.progress = progress;
+            hooks.cancel = &cancel;
+            Exporter::run(fixture.backend(), job.source, job.plan, job.options, job.destination, hooks);
+        };
+        fixture.reopen();
+        OmbrelRecordApp::prepare(engine);
+        QQmlComponent component(&engine, OmbrelRecordApp::view(QStringLiteral("EditorView")));
+        object.reset(component.createWithInitialProperties(
+            {{QStringLiteral("editor"), QVariant::fromValue(&fixture.model())}}));
+        view = qobject_cast<QQuickItem*>(object.get());
+        ASSERT_TRUE(view) << component.errorString().toStdString();
+        window.resize(1320, 788);
+        view->setParentItem(window.contentItem());
+        view->setSize({1320, 788});
+        window.show();
+        window.requestActivate();
+        view->forceActiveFocus();
+        turn();
+        timeline = view->property("timeline").value<QQuickItem*>();
+        hand = timeline->property("hand").value<TimelineController*>();
+        ASSERT_TRUE(hand);
+    }
+    void TearDown() override {
+        if (view) view->setParentItem(nullptr);
+    }
+
+    EditorModel& model() { return fixture.model(); }
+    static void turn(int rounds = 20) {
+        for (int i = 0; i < rounds; ++i)
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+    }
+    bool until(const std::function<bool()>& holds, int seconds = 60) {
+        QElapsedTimer clock;
+        clock.start();
+        while (!holds() && clock.elapsed() < seconds * 1000)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
+        return holds();
+    }
+    void settle() {
+        until([this] { return !model().rendering(); });
+        turn();
+    }
+
+    QPointF at(double time, Zone zone) const {
+        const double gutter = timeline->property("gutter").toDouble();
+        return timeline->mapToScene({gutter + hand->scale().x(time), hand->row(zone).middle()});
+    }
+    void mouse(QEvent::Type type, const QPointF& at) {
+        const bool up = type == QEvent::MouseButtonRelease;
+        QMouseEvent event(type, at, at, at, type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
+                          up ? Qt::NoButton : Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(&window, &event);
+        turn(2);
+    }
+    void drag(const QPointF& from, const QPointF& to) {
+        mouse(QEvent::MouseButtonPress, from);
+        for (int i = 1; i <= 6; ++i)
+            mouse(QEvent::MouseMove, from + (to - from) * i / 6);
+        mouse(QEvent::MouseButtonRelease, to);
+        settle();
+    }
+    void click(QQuickItem* item) {
+        ASSERT_TRUE(item);
+        const QPointF middle = item->mapToScene({item->width() / 2, item->height() / 2});
+        mouse(QEvent::MouseButtonPress, middle);
+        mouse(QEvent::MouseButtonRelease, middle);
+        settle();
+    }
+    void key(int code, Qt::KeyboardModifiers modifiers = {}, const QString& text = {}) {
+        for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+            QKeyEvent event(type, code, modifiers, text);
+            QCoreApplication::sendEvent(&window, &event);
+        }
+        settle();
+    }
+    /// Goes from control to control with Tab alone until the one of that name has the focus.
+    bool tabTo(const char* name) {
+        for (int i = 0; i < 150; ++i) {
+            QQuickItem* focus = window.activeFocusItem();
+            if (focus && focus->objectName() == QLatin1String(name)) return true;
+            key(Qt::Key_Tab);
+        }
+        return false;
+    }
+
+    static void walk(QQuickItem* item, const std::function<void(QQuickItem*)>& visit) {
+        if (!item->isVisible()) return;
+        visit(item);
+        for (QQuickItem* child : item->childItems())
+            walk(child, visit);
+    }
+    /// What is shown under that name or text.
+    QQuickItem* shown(const QString& name) {
+        QQuickItem* found = nullptr;
+        walk(window.contentItem(), [&](QQuickItem* item) {
+            if (item->objectName() == name || item->property("text").toString() == name) {
+                // A button rather than the text on it.
+                if (!found || item->inherits("QQuickAbstractButton")) found = item;
+            }
+        });
+        return found;
+    }
+
+    EditorFixture fixture;
+    QQmlEngine engine;
+    std::unique_ptr<QObject> object;
+    QQuickWindow window;
+    QQuickItem* view = nullptr;
+    QQuickItem* timeline = nullptr;
+    TimelineController* hand = nullptr;
+};
+
+TEST_F(EditorUse, TheKeyboardAloneReachesEverything) {
+    const double length = model().duration();
+    ASSERT_TRUE(tabTo("speedLane"));
+    key(Qt::Key_Return);
+    ASSERT_EQ(model().speedBlocks().size(), 1u);
+    const double before = model().speedBlocks()[0].start;
+    key(Qt::Key_Right, Qt::ShiftModifier);
+    EXPECT_NEAR(model().speedBlocks()[0].start, before + 0.1, 1e-9);
+    key(Qt::Key_Up);
+    EXPECT_EQ(model().speedBlocks()[0].speed, 6);
+    ASSERT_TRUE(tabTo("zoomLane"));
+    key(Qt::Key_Return);
+    EXPECT_EQ(model().zoomBlocks().size(), 1u);
+    key(Qt::Key_Delete);
+    EXPECT_TRUE(model().zoomBlocks().empty());
+
+    key(Qt::Key_End);
+    EXPECT_NEAR(model().playhead(), model().outputDuration(), 1e-6);
+    key(Qt::Key_Home);
+    key(Qt::Key_Escape);
+    key(Qt::Key_Home);
+    const double second = model().playhead();
+    key(Qt::Key_Right, Qt::ShiftModifier);
+    EXPECT_NEAR(model().playhead(), second + 1, 0.02);
+    key(Qt::Key_BracketLeft, {}, QStringLiteral("["));
+    EXPECT_EQ(hand->selectionKind(), QStringLiteral("range"));
+    key(Qt::Key_Delete);
+    EXPECT_EQ(model().project().cuts.size(), 1u);
+    key(Qt::Key_I, {}, QStringLiteral("i"));
+    EXPECT_GT(model().project().trimStart, 0);
+    EXPECT_LT(model().project().trimStart, length);
+
+    ASSERT_TRUE(tabTo("panel-crop"));
+    key(Qt::Key_Space, {}, QStringLiteral(" "));
+    ASSERT_TRUE(tabTo("crop"));
+    key(Qt::Key_Space, {}, QStringLiteral(" "));
+    EXPECT_EQ(view->property("aim").toString(), QStringLiteral("crop"));
+    key(Qt::Key_Right, Qt::ShiftModifier);
+    key(Qt::Key_Left, Qt::ShiftModifier);
+    EXPECT_TRUE(model().project().crop.has_value());
+    key(Qt::Key_Escape);
+    EXPECT_TRUE(view->property("aim").toString().isEmpty());
+}
+
+TEST_F(EditorUse, EveryInteractiveItemHasAName) {
+    int seen = 0;
+    for (const char* panel : {"format", "background", "frame", "pointer", "zoom", "speed", "camera",
+                              "captions", "cards", "crop"}) {
+        view->setProperty("panel", QString::fromLatin1(panel));
+        turn();
+        walk(window.contentItem(), [&](QQuickItem* item) {
+            QAccessibleInterface* face = QAccessible::queryAccessibleInterface(item);
+            const QAccessible::Role role = face ? face->role() : QAccessible::NoRole;
+            const bool interactive = item->activeFocusOnTab() || role == QAccessible::Button ||
+                                     role == QAccessible::CheckBox || role == QAccessible::RadioButton ||
+                                     role == QAccessible::Slider || role == QAccessible::EditableText ||
+                                     role == QAccessible::ComboBox || role == QAccessible::PageTab;
+            // What only holds others is no stop of its own.
+            if (!interactive || item->inherits("QQuickFocusScope")) return;
+            ++seen;
+            EXPECT_TRUE(face && !face->text(QAccessible::Name).isEmpty())
+                << panel << ": " << item->metaObject()->className() << " " << item->objectName().toStdString()
+                << " at " << item->mapToScene({}).x() << ", " << item->mapToScene({}).y();
+        });
+    }
+    EXPECT_GT(seen, 200);
+}
+
+} // namespace
+} // namespace OmbrelRecord
