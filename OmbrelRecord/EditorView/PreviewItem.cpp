@@ -46,12 +46,38 @@ bool PreviewItem::ready() const {
 QRectF PreviewItem::pictureRect() const {
     const double aspect = source ? source->aspect() : 16.0 / 9;
     const double ratio = window() ? window()->effectiveDevicePixelRatio() : 1;
-    const double wide = std::min(width(), height() * aspect);
-    // Whole device pixels, or the picture would be resampled.
-    const double w = std::floor(wide * ratio) / ratio;
-    const double h = std::floor(wide / aspect * ratio) / ratio;
-    return {std::floor((width() - w) / 2 * ratio) / ratio, std::floor((height() - h) / 2 * ratio) / ratio, w,
-            h};
+    const double wide = std::min(width(), height() * aspect) * ratio;
+    // Whole device pixels, and as many as the picture has when it was made for this room: else it would be
+    // resampled. Its sides are even.
+    QSizeF pixels(std::floor(wide), std::floor(wide / aspect));
+    if (source && std::abs(source->image().width() - pixels.width()) <= 2 &&
+        std::abs(source->image().height() - pixels.height()) <= 2)
+        pixels = source->image().size();
+    return {std::floor((width() * ratio - pixels.width()) / 2) / ratio,
+            std::floor((height() * ratio - pixels.height()) / 2) / ratio, pixels.width() / ratio,
+            pixels.height() / ratio};
+}
+
+QPointF PreviewItem::recordingPoint(const QPointF& point) const {
+    const QRectF rect = pictureRect();
+    if (!source || rect.isEmpty()) return {};
+    return source->recordingPoint(
+        {(point.x() - rect.x()) / rect.width(), (point.y() - rect.y()) / rect.height()});
+}
+
+QPointF PreviewItem::itemPoint(const QPointF& recording) const {
+    const QRectF rect = pictureRect();
+    if (!source) return {};
+    const QPointF point = source->picturePoint(recording);
+    return {rect.x() + point.x() * rect.width(), rect.y() + point.y() * rect.height()};
+}
+
+QPointF PreviewItem::wholePoint(const QPointF& point) const {
+    return source ? source->uncropped(recordingPoint(point)) : QPointF();
+}
+
+QPointF PreviewItem::itemPointOfWhole(const QPointF& whole) const {
+    return source ? itemPoint(source->cropped(whole)) : QPointF();
 }
 
 void PreviewItem::tellSize() {

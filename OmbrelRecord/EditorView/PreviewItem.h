@@ -28,6 +28,14 @@ public:
     /// Whether there is a picture, and the right one; without a player there is none to wait for.
     bool ready() const;
 
+    /// The recording's point (normalised to the crop in force, as zooms are given) under a point of the item,
+    /// and back. Points outside the recording's window go on in the same scale.
+    Q_INVOKABLE QPointF recordingPoint(const QPointF& point) const;
+    Q_INVOKABLE QPointF itemPoint(const QPointF& recording) const;
+    /// Likewise, normalised to the whole recording, as crops are given.
+    Q_INVOKABLE QPointF wholePoint(const QPointF& point) const;
+    Q_INVOKABLE QPointF itemPointOfWhole(const QPointF& whole) const;
+
 Q_SIGNALS:
     void editorChanged();
     void pictureChanged();
