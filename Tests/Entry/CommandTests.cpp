@@ -253,9 +253,18 @@ TEST_F(Commands, aStillIsTheFilmsFrame) {
     }
 }
 
+TEST_F(Commands, withoutADesktopTheWindowsSayWhatIsMissing) {
+    for (const char* display : {"", "DISPLAY=:4711 ", "WAYLAND_DISPLAY=none "}) {
+        const Outcome outcome = shell("env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM " +
+                                      std::string(display) + " timeout 60 '" OMBREL_PROGRAM "'");
+        EXPECT_EQ(outcome.status, 1) << display;
+        EXPECT_NE(outcome.err.find("needs a desktop"), std::string::npos) << outcome.err;
+    }
+}
+
 TEST_F(Commands, wrongUsageIsTold) {
     for (const char* arguments : {"export", "still x", "plan", "export x -o y --format 3:2",
-                                  "export x -o y --fps 0", "plan x --frames many", "--nonsense"}) {
+                                  "export x -o y --fps 0", "plan x --frames many"}) {
         const Outcome outcome = program(arguments);
         EXPECT_EQ(outcome.status, 2) << arguments;
         EXPECT_NE(outcome.err, "") << arguments;
