@@ -39,7 +39,10 @@ RecordingFiles borrowed(const fs::path& video, const fs::path& place) {
 void Jobs::snapshot(const fs::path& folder, const fs::path& video) {
     try {
         const QTemporaryDir place;
-        const RecordingFiles files = borrowed(video, place.path().toStdString());
+        // The folder's name is the recording's.
+        const fs::path own = fs::path(place.path().toStdString()) / video.parent_path().filename();
+        fs::create_directory(own);
+        const RecordingFiles files = borrowed(video, own);
         AppSession session;
         std::optional<InputLog> log;
         if (fs::exists(files.input())) log = InputLog::load(files.input());
