@@ -8,12 +8,14 @@
 #include <QtCore/QSysInfo>
 #include <QtCore/QTimer>
 #include <QtGui/QGuiApplication>
+#include <csignal>
 #include <cstdio>
 #include <fmt/format.h>
 
 namespace OmbrelRecord {
 
 int Entry::headless(int argc, char** argv, const std::function<void()>& job) {
+    std::signal(SIGPIPE, SIG_IGN); // a connection that is cut is an error, not the end
     // No windows, and no display needed; what captures the screen has connections of its own.
     qputenv("QT_QPA_PLATFORM", "offscreen");
     OmbrelRecordApp::prepare();
@@ -31,6 +33,7 @@ int Jobs::application(int argc, char** argv) {
         fmt::print(stderr, "ombrel-record: {}\n", missing);
         return 1;
     }
+    std::signal(SIGPIPE, SIG_IGN); // a connection that is cut is an error, not the end
     OmbrelRecordApp::prepare();
     QGuiApplication application(argc, argv);
     SingleInstance instance;

@@ -21,11 +21,14 @@ Interrupt::Interrupt() {
     flag = false;
     for (const int signal : handled)
         std::signal(signal, handle);
+    // A display, a sound server or a reader that is gone is an error to deal with, not the end.
+    std::signal(SIGPIPE, SIG_IGN);
 }
 
 Interrupt::~Interrupt() {
     for (const int signal : handled)
         std::signal(signal, SIG_DFL);
+    std::signal(SIGPIPE, SIG_DFL);
 }
 
 const std::atomic<bool>& Interrupt::requested() const {
