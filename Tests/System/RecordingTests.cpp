@@ -435,13 +435,16 @@ TEST_F(Recording, AFullDiskEndsItCleanlyAndKeepsIt) {
     const auto disk = folder / "disk";
     const auto kept = folder / "kept";
     std::filesystem::create_directory(disk);
-    const std::string script = "mount -t tmpfs -o size=8m none " + disk.string() + " || exit 77; " +
-                               program() + " record -o " + (disk / "recording").string() +
-                               " --seconds 60; status=$?; cp -r " + (disk / "recording").string() + " " +
-                               kept.string() + "; exit $status";
+    const std::string script = R"(
+        mount -t tmpfs -o size=8m none "$1" || exit 77
+        "$2" record -o "$1/recording" --seconds 60
+        status=$?
+        cp -r "$1/recording" "$3"
+        exit $status)";
     TestWindow window(*session, "busy", 50, 50, 600, 500, 0x808080);
     const Busy busy(window);
-    const int status = ChildProcess::run({"unshare", "-rm", "sh", "-c", script}, {{}, output});
+    const int status = ChildProcess::run(
+        {"unshare", "-rm", "sh", "-c", script, "sh", disk.string(), program(), kept.string()}, {{}, output});
     if (!std::filesystem::exists(kept)) GTEST_SKIP() << "no disk can be mounted here: " << said();
     EXPECT_EQ(status, 1);
     EXPECT_THAT(said(), testing::HasSubstr("left on the disk")); // the warning
