@@ -42,10 +42,13 @@ InputLog InputLog::load(const std::filesystem::path& file) {
 }
 
 void InputLog::save(const std::filesystem::path& file) const {
+    // One position after the other: an hour has 200,000 of them, and as one tree they would take 100 MB.
+    std::string text = R"({"cursor":[)";
+    for (const CursorSample& sample : cursor) {
+        if (&sample != &cursor.front()) text += ',';
+        text += finiteJsonText({{"t", sample.t}, {"x", sample.x}, {"y", sample.y}}, file);
+    }
     Json object;
-    Json& samples = object["cursor"] = Json::array();
-    for (const CursorSample& sample : cursor)
-        samples.push_back({{"t", sample.t}, {"x", sample.x}, {"y", sample.y}});
     Json& list = object["events"] = Json::array();
     for (const Event& event : events) {
         Json entry{{"t", event.t}, {"kind", kindName(event.kind)}};
@@ -56,7 +59,7 @@ void InputLog::save(const std::filesystem::path& file) const {
     JsonWriting::put(object, "keysTracked", keysTracked);
     JsonWriting::put(object, "cursorInVideo", cursorInVideo);
     JsonWriting::put(object, "cameraOffset", cameraOffset);
-    saveJson(object, file);
+    writeFileAtomically(file, text + "]," + finiteJsonText(object, file).substr(1));
 }
 
 bool InputLog::userActive(double from, double to, double moveThreshold) const {

@@ -157,13 +157,17 @@ std::string jsonText(const Json& value, int indent) {
     return value.dump(indent, ' ', false, Json::error_handler_t::replace);
 }
 
-void saveJson(const Json& value, const std::filesystem::path& file, int indent) {
+std::string finiteJsonText(const Json& value, const std::filesystem::path& file, int indent) {
     try {
         requireFinite(value);
     } catch (const RecordingError& error) {
         throw RecordingError(fmt::format("{}: cannot be written: {}", file.string(), error.what()));
     }
-    writeFileAtomically(file, jsonText(value, indent) + (indent < 0 ? "" : "\n"));
+    return jsonText(value, indent);
+}
+
+void saveJson(const Json& value, const std::filesystem::path& file, int indent) {
+    writeFileAtomically(file, finiteJsonText(value, file, indent) + (indent < 0 ? "" : "\n"));
 }
 
 } // namespace RecordCore

@@ -135,9 +135,12 @@ Json parseJson(const std::string& text);
 /// The text of a JSON value; bytes that are not UTF-8 are replaced. `indent` as in the library (−1: compact).
 std::string jsonText(const Json& value, int indent = -1);
 
+/// The same for a value that is to stand in `file`. Throws RecordingError that names the file for a number
+/// that is not finite: JSON has no way to write it, and the file could not be read back.
+std::string finiteJsonText(const Json& value, const std::filesystem::path& file, int indent = -1);
+
 /// Writes a JSON value to `file`, atomically, with a line break at the end when it is indented. Throws
-/// RecordingError that names the file, also for a number that is not finite: JSON has no way to write it,
-/// and the file could not be read back.
+/// RecordingError that names the file, also for a number that is not finite.
 void saveJson(const Json& value, const std::filesystem::path& file, int indent = -1);
 
 } // namespace RecordCore
