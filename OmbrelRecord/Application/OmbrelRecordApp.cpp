@@ -182,6 +182,8 @@ OmbrelRecordApp::OmbrelRecordApp(AppModel& model, QSettings* settings, QObject* 
 }
 
 OmbrelRecordApp::~OmbrelRecordApp() {
+    // What has been retired goes before the engine does.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     delete question;
     delete panel;
     delete counter;
@@ -263,11 +265,16 @@ std::optional<QRect> OmbrelRecordApp::panelPlace() const {
     return PanelPlacement::place(displays(), QSize(320, 82), recorded);
 }
 
+/// Out of sight at once; it goes later, for it may be a button of its own that ended it.
+void OmbrelRecordApp::retire(QPointer<QQuickWindow>& old) {
+    if (!old) return;
+    old->hide();
+    old->deleteLater();
+    old.clear();
+}
+
 void OmbrelRecordApp::countdownChanged() {
-    if (model.countdown() == 0) {
-        delete counter;
-        return;
-    }
+    if (model.countdown() == 0) return retire(counter);
     if (counter) return;
     counter = make(QStringLiteral("CountdownPanel"));
     if (!counter) return;
@@ -285,8 +292,8 @@ void OmbrelRecordApp::countdownChanged() {
 
 void OmbrelRecordApp::flowChanged() {
     if (!model.isRecording()) {
-        delete panel;
-        tray.reset();
+        retire(panel);
+        if (tray) tray.release()->deleteLater(); // its menu may be what ended the recording
         return;
     }
     if (panel || tray) return;
@@ -306,8 +313,7 @@ void OmbrelRecordApp::flowChanged() {
 
 void OmbrelRecordApp::questionChanged() {
     if (model.question().isEmpty()) {
-        if (question) question->deleteLater();
-        question = nullptr;
+        retire(question);
         return;
     }
     if (!question) question = make(QStringLiteral("QuestionPanel"));

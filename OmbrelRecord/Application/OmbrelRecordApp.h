@@ -56,6 +56,7 @@ private Q_SLOTS:
 
 private:
     QQuickWindow* make(const QString& type);
+    static void retire(QPointer<QQuickWindow>& old);
     void countdownChanged();
     void flowChanged();
     void questionChanged();
