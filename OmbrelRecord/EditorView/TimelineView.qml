@@ -118,6 +118,7 @@ FocusScope {
 
     Item {
         id: area
+        objectName: "timelineArea"
         x: root.gutter
         width: root.width - root.gutter - 12
         height: hand.height

@@ -1,6 +1,8 @@
 #include "OmbrelRecord/AppModel/Diag.h"
+#include "OmbrelRecord/Application/Inspection.h"
 #include "OmbrelRecord/Application/OmbrelRecordApp.h"
 #include "OmbrelRecord/Application/SingleInstance.h"
+#include "OmbrelRecord/Application/StallWatch.h"
 #include "OmbrelRecord/Entry/AppSession.h"
 #include "OmbrelRecord/Entry/Entry.h"
 #include "OmbrelRecord/Entry/Jobs.h"
@@ -11,6 +13,8 @@
 #include <csignal>
 #include <cstdio>
 #include <fmt/format.h>
+#include <memory>
+#include <optional>
 
 namespace OmbrelRecord {
 
@@ -35,7 +39,10 @@ int Jobs::application(int argc, char** argv) {
     }
     std::signal(SIGPIPE, SIG_IGN); // a connection that is cut is an error, not the end
     OmbrelRecordApp::prepare();
-    QGuiApplication application(argc, argv);
+    const QString inspected = Inspection::wanted();
+    const std::unique_ptr<QGuiApplication> application = inspected.isEmpty()
+                                                             ? std::make_unique<QGuiApplication>(argc, argv)
+                                                             : std::make_unique<StallWatch>(argc, argv);
     SingleInstance instance;
     if (!instance.claim()) return 0; // the one that runs already has come to the front
     OmbrelRecordApp::dress();
@@ -50,6 +57,8 @@ int Jobs::application(int argc, char** argv) {
         Diag::flush();
         return 1;
     }
+    std::optional<Inspection> inspection;
+    if (!inspected.isEmpty()) inspection.emplace(inspected);
     session.model().begin();
     const int status = QCoreApplication::exec();
     Diag::flush();
