@@ -1,11 +1,9 @@
 #include "OmbrelRecord/AppModel/Thumbnails.h"
 
+#include "OmbrelRecord/AppModel/FileKey.h"
 #include "OmbrelRecord/AppModel/Images.h"
 #include "RecordCore/Media/FrameCursor.h"
 
-#include <QtCore/QCryptographicHash>
-#include <QtCore/QDateTime>
-#include <QtCore/QFileInfo>
 #include <QtCore/QMetaObject>
 #include <algorithm>
 
@@ -16,15 +14,6 @@ namespace {
 constexpr QSize largest(320, 200);
 /// The first moments often still show how the recording was begun.
 constexpr double usualMoment = 1; ///< seconds
-
-/// Another file of the same name, or one that was rewritten, has another key.
-QString keyOf(const QFileInfo& file) {
-    const QString text = QStringLiteral("%1 %2 %3")
-                             .arg(file.absoluteFilePath())
-                             .arg(file.size())
-                             .arg(file.lastModified().toMSecsSinceEpoch());
-    return QString::fromLatin1(QCryptographicHash::hash(text.toUtf8(), QCryptographicHash::Sha1).toHex());
-}
 
 } // namespace
 
@@ -47,7 +36,7 @@ Thumbnails::Facts Thumbnails::make(const RecordCore::MediaBackend& media,
 
 const Thumbnails::Facts* Thumbnails::facts(const std::filesystem::path& video) {
     const QString name = QString::fromStdString(video.string());
-    const QString key = keyOf(QFileInfo(name));
+    const QString key = fileKey(video);
     if (const Facts* facts = known.object(key)) return facts;
     if (asked.contains(key)) return nullptr;
     asked.insert(key);

@@ -3,14 +3,12 @@
 #include "OmbrelRecord/AppModel/Diag.h"
 #include "OmbrelRecord/EditorModel/ProjectEditing.h"
 #include "OmbrelRecord/EditorModel/ProjectFields.h"
+#include "OmbrelRecord/EditorModel/ViewLists.h"
 #include "OmbrelRecord/Transcriber/CaptionFile.h"
-#include "OmbrelRecord/Transcriber/Language.h"
 #include "RecordCore/Model/OutputFormat.h"
 #include "RecordCore/Model/RecordingError.h"
 #include "RecordCore/Planning/Planner.h"
 
-#include <QtCore/QMetaObject>
-#include <QtCore/QSettings>
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
@@ -21,57 +19,16 @@ using namespace RecordCore;
 
 namespace {
 
-const QString languageKey = QStringLiteral("captions.language");
-
-QString text(const Uuid& id) {
-    return QString::fromStdString(id.text());
-}
-
 template <typename Block>
 std::optional<Uuid> idOf(const std::vector<Block>& blocks, const QString& id) {
     for (const Block& block : blocks)
-        if (text(block.id) == id) return block.id;
+        if (ViewLists::text(block.id) == id) return block.id;
     return std::nullopt;
 }
 
 template <typename Block>
 bool holds(const std::vector<Block>& blocks, const Uuid& id) {
     return std::any_of(blocks.begin(), blocks.end(), [&](const Block& block) { return block.id == id; });
-}
-
-QVariantMap rangeMap(double start, double end) {
-    return {{QStringLiteral("start"), start}, {QStringLiteral("end"), end}};
-}
-
-QVariantList rangeList(const std::vector<TimeRange>& ranges) {
-    QVariantList list;
-    for (const TimeRange& range : ranges)
-        list.append(rangeMap(range.start, range.end));
-    return list;
-}
-
-QString reasonName(SpeedSegment::Reason reason);
-
-QVariantMap blockMap(const SpeedBlock& block) {
-    QVariantMap map = rangeMap(block.start, block.end);
-    map.insert(QStringLiteral("id"), text(block.id));
-    map.insert(QStringLiteral("speed"), block.speed);
-    map.insert(QStringLiteral("reason"), reasonName(block.reason));
-    return map;
-}
-
-QVariantMap blockMap(const ZoomBlock& block) {
-    QVariantMap map = rangeMap(block.start, block.end);
-    map.insert(QStringLiteral("id"), text(block.id));
-    map.insert(QStringLiteral("x"), block.x);
-    map.insert(QStringLiteral("y"), block.y);
-    map.insert(QStringLiteral("zoom"), block.zoom);
-    return map;
-}
-
-QString reasonName(SpeedSegment::Reason reason) {
-    const std::string_view word = RecordCore::name(reason);
-    return QString::fromUtf8(word.data(), static_cast<qsizetype>(word.size()));
 }
 
 } // namespace
@@ -94,6 +51,11 @@ EditorModel::EditorModel(OpenedRecording recording, EditorParts editorParts, QOb
     connect(this, &EditorModel::selectionChanged, this, &EditorModel::selectedBlockChanged);
     rebuildTimer.setSingleShot(true);
     connect(&rebuildTimer, &QTimer::timeout, this, &EditorModel::rebuilt);
+    connect(&listening, &CaptionWork::changed, this, &EditorModel::captioningChanged);
+    connect(&exporting, &ExportWork::changed, this, &EditorModel::exportChanged);
+    connect(&exporting, &ExportWork::finished, this, [this] {
+        if (revealsExported) parts.desktop->reveal(exporting.film());
+    });
     makePlan();
     if (parts.makePreview) shownPreview = parts.makePreview(opened);
     if (shownPreview) {
@@ -109,9 +71,17 @@ EditorModel::EditorModel(OpenedRecording recording, EditorParts editorParts, QOb
     }
 }
 
-EditorModel::~EditorModel() {
-    exportCancelled = true;
-    captionsCancelled = true;
+Filmstrip* EditorModel::filmstrip(int pictureHeight) {
+    if (parts.media && (!film || film->pictureHeight() != pictureHeight))
+        film = std::make_unique<Filmstrip>(*parts.media, opened.video, duration(), pictureHeight);
+    return film.get();
+}
+
+Waveform* EditorModel::waveform() {
+    if (parts.media && !sound && hasSound())
+        sound = std::make_unique<Waveform>(*parts.media, opened.video, duration(),
+                                           parts.cache.empty() ? parts.cache : parts.cache / "sound");
+    return sound.get();
 }
 
 // Edits.
@@ -503,7 +473,7 @@ std::string EditorModel::exportFileName(const std::string& name, OutputFormat fo
 }
 
 void EditorModel::exportFilm(const QString& format, double scale, bool watermark, double fps) {
-    if (exporting == ExportState::working || !parts.exportFilm) return;
+    if (exporting.state() == ExportState::working || !parts.exportFilm) return;
     pause();
     ExportJob job;
     job.source = opened.video;
@@ -518,113 +488,52 @@ void EditorModel::exportFilm(const QString& format, double scale, bool watermark
     job.plan = Planner::plan(opened.info, opened.samples, opened.log, job.options.project,
                              Planner::viewportAspect(job.options.project, opened.info));
     job.destination = parts.films / exportFileName(opened.name(), shape, scale);
-
-    exporting = ExportState::working;
-    exportShare = 0;
-    exportProblem.clear();
-    exportCancelled = false;
-    Q_EMIT exportChanged();
-    exportQueue.post([this, job = std::move(job)] {
-        std::string failure;
-        try {
-            std::filesystem::create_directories(job.destination.parent_path());
-            parts.exportFilm(
-                job,
-                [this](double share) {
-                    QMetaObject::invokeMethod(this, [this, share] {
-                        if (exporting != ExportState::working) return;
-                        exportShare = std::clamp(share, 0.0, 1.0);
-                        Q_EMIT exportChanged();
-                    });
-                },
-                exportCancelled);
-        } catch (const std::exception& error) {
-            failure = *error.what() ? error.what() : "unknown error";
-        }
-        const bool cancelled = exportCancelled;
-        QMetaObject::invokeMethod(this, [this, failure, cancelled, destination = job.destination] {
-            if (failure.empty()) {
-                exporting = ExportState::done;
-                exportShare = 1;
-                exported = destination;
-                if (revealsExported) parts.desktop->reveal(exported);
-            } else if (cancelled) {
-                exporting = ExportState::idle;
-                exportShare = 0;
-            } else {
-                exporting = ExportState::failed;
-                exportProblem = QString::fromStdString(failure);
-                Diag::log("editor: export failed " + failure);
-            }
-            Q_EMIT exportChanged();
-        });
-    });
-}
-
-void EditorModel::cancelExport() {
-    exportCancelled = true;
-    Q_EMIT exportChanged();
+    exporting.start(std::move(job), parts.exportFilm);
 }
 
 void EditorModel::copyExported() {
-    if (!exported.empty()) parts.desktop->copyFile(exported);
+    if (!exportedFile().empty()) parts.desktop->copyFile(exportedFile());
 }
 
 void EditorModel::revealExported() {
-    if (!exported.empty()) parts.desktop->reveal(exported);
+    if (!exportedFile().empty()) parts.desktop->reveal(exportedFile());
 }
 
 // Captions.
 
 void EditorModel::generateCaptions(const QString& language) {
-    if (isCaptioning || !parts.recognizeWords) return;
-    QSettings settings;
-    if (!language.isEmpty()) settings.setValue(languageKey, language);
-    const std::string chosen = settings.value(languageKey).toString().toStdString();
-    isCaptioning = true;
-    captioningShare = 0;
-    captionsProblem.clear();
-    captionsCancelled = false;
-    Q_EMIT captioningChanged();
-    captionQueue.post([this, chosen, video = opened.video] {
-        std::vector<CaptionWord> words;
-        QString failure;
-        try {
-            words = parts.recognizeWords(
-                video, chosen,
-                [this](double share) {
-                    QMetaObject::invokeMethod(this, [this, share] {
-                        captioningShare = std::clamp(share, 0.0, 1.0);
-                        Q_EMIT captioningChanged();
-                    });
-                },
-                captionsCancelled);
-            if (words.empty())
-                failure = QStringLiteral("No speech found. Record with Mic on to get captions.");
-        } catch (const std::exception& error) {
-            failure = QString::fromUtf8(error.what());
-        }
-        const bool cancelled = captionsCancelled;
-        QMetaObject::invokeMethod(this, [this, words = std::move(words), failure, cancelled] {
-            isCaptioning = false;
-            if (!cancelled) captionsProblem = failure;
-            Q_EMIT captioningChanged();
-            if (cancelled || words.empty()) return;
+    if (!parts.recognizeWords) return;
+    CaptionWork::chooseLanguage(language);
+    listening.start(
+        [listen = parts.recognizeWords, video = opened.video, chosen = captionsLanguage().toStdString()](
+            const auto& progress, const auto& cancel) { return listen(video, chosen, progress, cancel); },
+        [this](std::vector<CaptionWord> words) {
             Project project = current;
-            project.captions = words;
+            project.captions = std::move(words);
             project.showCaptions = true;
             update(std::move(project));
         });
-    });
 }
 
-void EditorModel::cancelCaptions() {
-    captionsCancelled = true;
-}
-
-QString EditorModel::captionsLanguage() const {
-    const QString chosen = QSettings().value(languageKey).toString();
-    return chosen.isEmpty() ? QString::fromStdString(Language::ofUser()) : chosen;
+void EditorModel::retimeCaptions(const QString& language) {
+    if (!parts.alignWords || words().empty()) return;
+    CaptionWork::chooseLanguage(language);
+    listening.start(
+        [listen = parts.alignWords, video = opened.video, given = words(),
+         chosen = captionsLanguage().toStdString()](const auto& progress, const auto& cancel) {
+            return listen(video, given, chosen, progress, cancel);
+        },
+        [this, given = words()](std::vector<CaptionWord> timed) {
+            // Words corrected meanwhile keep what was typed; when some have come or gone, the times of these
+            // are not those of the others.
+            if (timed.size() != words().size() || given.size() != words().size()) return;
+            Project project = current;
+            for (std::size_t i = 0; i < timed.size(); ++i) {
+                (*project.captions)[i].start = timed[i].start;
+                (*project.captions)[i].end = timed[i].end;
+            }
+            update(std::move(project));
+        });
 }
 
 QString EditorModel::saveCaptions(const QUrl& file) const {
@@ -652,28 +561,26 @@ QVariantMap EditorModel::defaultFields() {
     return ProjectFields::read(Project());
 }
 
+const std::vector<CaptionWord>& EditorModel::words() const {
+    static const std::vector<CaptionWord> none;
+    return current.captions ? *current.captions : none;
+}
+
 QVariantList EditorModel::segmentList() const {
-    QVariantList list;
-    for (const SpeedSegment& segment : currentPlan.segments) {
-        QVariantMap map = rangeMap(segment.start, segment.end);
-        map.insert(QStringLiteral("speed"), segment.speed);
-        map.insert(QStringLiteral("reason"), reasonName(segment.reason));
-        list.append(map);
-    }
-    return list;
+    return ViewLists::segments(currentPlan.segments);
 }
 
 QVariantList EditorModel::speedBlockList() const {
     QVariantList list;
     for (const SpeedBlock& block : speedBlocks())
-        list.append(blockMap(block));
+        list.append(ViewLists::block(block));
     return list;
 }
 
 QVariantList EditorModel::zoomBlockList() const {
     QVariantList list;
     for (const ZoomBlock& block : zoomBlocks())
-        list.append(blockMap(block));
+        list.append(ViewLists::block(block));
     return list;
 }
 
@@ -681,74 +588,51 @@ QVariantMap EditorModel::selectedBlockMap() const {
     QVariantMap map{{QStringLiteral("kind"), QStringLiteral("none")}};
     if (const auto* speed = std::get_if<Selection::Speed>(&selected)) {
         for (const SpeedBlock& block : speedBlocks())
-            if (block.id == speed->id) map = blockMap(block);
+            if (block.id == speed->id) map = ViewLists::block(block);
         map.insert(QStringLiteral("kind"), QStringLiteral("speed"));
     } else if (const auto* zoom = std::get_if<Selection::Zoom>(&selected)) {
         for (const ZoomBlock& block : zoomBlocks())
-            if (block.id == zoom->id) map = blockMap(block);
+            if (block.id == zoom->id) map = ViewLists::block(block);
         map.insert(QStringLiteral("kind"), QStringLiteral("zoom"));
     }
     return map;
 }
 
 QVariantMap EditorModel::captionWord(int index) const {
-    if (index < 0 || index >= captionCount()) return {};
-    const CaptionWord& word = (*current.captions)[static_cast<std::size_t>(index)];
-    QVariantMap map = rangeMap(word.start, word.end);
-    map.insert(QStringLiteral("text"), QString::fromStdString(word.text));
-    return map;
+    return index < 0 || index >= captionCount() ? QVariantMap()
+                                                : ViewLists::word(words()[static_cast<std::size_t>(index)]);
 }
 
 QVariantList EditorModel::captionRows() const {
-    constexpr int longest = 6;    // words
-    constexpr double pause = 0.7; // seconds
-    QVariantList list;
-    int first = 0;
-    for (int i = 1; i <= captionCount(); ++i) {
-        const std::vector<CaptionWord>& words = *current.captions;
-        const auto at = static_cast<std::size_t>(i);
-        const char last = words[at - 1].text.empty() ? ' ' : words[at - 1].text.back();
-        if (i < captionCount() && i - first < longest && words[at].start - words[at - 1].end <= pause &&
-            last != '.' && last != '!' && last != '?')
-            continue;
-        list.append(QVariantMap{{QStringLiteral("first"), first},
-                                {QStringLiteral("count"), i - first},
-                                {QStringLiteral("start"), words[static_cast<std::size_t>(first)].start}});
-        first = i;
-    }
-    return list;
+    return ViewLists::captionRows(words());
 }
 
 QVariantList EditorModel::pieceList() const {
-    return rangeList(current.pieces(duration()));
+    return ViewLists::ranges(current.pieces(duration()));
 }
 
 QVariantList EditorModel::interiorCutList() const {
-    return rangeList(interiorCuts());
+    return ViewLists::ranges(interiorCuts());
 }
 
 QVariantList EditorModel::captionList() const {
     QVariantList list;
-    if (!current.captions) return list;
-    for (const CaptionWord& word : *current.captions) {
-        QVariantMap map = rangeMap(word.start, word.end);
-        map.insert(QStringLiteral("text"), QString::fromStdString(word.text));
-        list.append(map);
-    }
+    for (const CaptionWord& word : words())
+        list.append(ViewLists::word(word));
     return list;
 }
 
 QVariantMap EditorModel::selectionMap() const {
     const QString kind = QStringLiteral("kind");
     if (const auto* range = std::get_if<TimeRange>(&selected)) {
-        QVariantMap map = rangeMap(range->start, range->end);
+        QVariantMap map = ViewLists::range(range->start, range->end);
         map.insert(kind, QStringLiteral("range"));
         return map;
     }
     if (const auto* speed = std::get_if<Selection::Speed>(&selected))
-        return {{kind, QStringLiteral("speed")}, {QStringLiteral("id"), text(speed->id)}};
+        return {{kind, QStringLiteral("speed")}, {QStringLiteral("id"), ViewLists::text(speed->id)}};
     if (const auto* zoom = std::get_if<Selection::Zoom>(&selected))
-        return {{kind, QStringLiteral("zoom")}, {QStringLiteral("id"), text(zoom->id)}};
+        return {{kind, QStringLiteral("zoom")}, {QStringLiteral("id"), ViewLists::text(zoom->id)}};
     return {{kind, QStringLiteral("none")}};
 }
 

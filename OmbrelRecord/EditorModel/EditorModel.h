@@ -1,10 +1,13 @@
 #pragma once
 
-#include "OmbrelRecord/AppModel/SerialQueue.h"
+#include "OmbrelRecord/EditorModel/CaptionWork.h"
 #include "OmbrelRecord/EditorModel/EditHistory.h"
 #include "OmbrelRecord/EditorModel/EditorParts.h"
+#include "OmbrelRecord/EditorModel/ExportWork.h"
+#include "OmbrelRecord/EditorModel/Filmstrip.h"
 #include "OmbrelRecord/EditorModel/OpenedRecording.h"
 #include "OmbrelRecord/EditorModel/ProjectStore.h"
+#include "OmbrelRecord/EditorModel/Waveform.h"
 #include "RecordCore/Model/Project.h"
 #include "RecordCore/Planning/Plan.h"
 
@@ -57,7 +60,7 @@ class EditorModel : public QObject {
     Q_PROPERTY(int speedBlockCount READ speedBlockCount NOTIFY planChanged)
     Q_PROPERTY(int zoomBlockCount READ zoomBlockCount NOTIFY planChanged)
     Q_PROPERTY(int captionCount READ captionCount NOTIFY projectChanged)
-    Q_PROPERTY(ExportState exportState READ exportState NOTIFY exportChanged)
+    Q_PROPERTY(int exportState READ exportStateNumber NOTIFY exportChanged)
     Q_PROPERTY(double exportProgress READ exportProgress NOTIFY exportChanged)
     Q_PROPERTY(bool exportCancelling READ exportCancelling NOTIFY exportChanged)
     Q_PROPERTY(QString exportFailure READ exportFailure NOTIFY exportChanged)
@@ -68,8 +71,7 @@ class EditorModel : public QObject {
     Q_PROPERTY(QString saveFailure READ saveFailure NOTIFY saveFailureChanged)
 
 public:
-    enum class ExportState { idle, working, done, failed };
-    Q_ENUM(ExportState)
+    using ExportState = ExportWork::State;
 
     struct Selection {
         struct None {
@@ -88,7 +90,7 @@ public:
 
     EditorModel(OpenedRecording recording, EditorParts parts, QObject* parent = nullptr);
     /// Saves what is not saved yet; a running export or recognition is given up.
-    ~EditorModel() override;
+    ~EditorModel() override = default;
 
     const OpenedRecording& recording() const { return opened; }
     /// Where pictures and sound of the recording come from; may be none.
@@ -96,6 +98,11 @@ public:
     const RecordCore::Project& project() const { return current; }
     const RecordCore::Plan& plan() const { return currentPlan; }
     EditorPreview* preview() const { return shownPreview.get(); }
+
+    // What timelines draw of the recording. Made when it is first asked for and kept as long as the recording
+    // is open; null where there is nothing to read it from.
+    Filmstrip* filmstrip(int pictureHeight);
+    Waveform* waveform();
 
     QString name() const { return QString::fromStdString(opened.name()); }
     double duration() const { return opened.info.duration; }
@@ -172,7 +179,7 @@ public:
     // elements.
     int speedBlockCount() const { return static_cast<int>(speedBlocks().size()); }
     int zoomBlockCount() const { return static_cast<int>(zoomBlocks().size()); }
-    int captionCount() const { return current.captions ? static_cast<int>(current.captions->size()) : 0; }
+    int captionCount() const { return static_cast<int>(words().size()); }
     /// One word: {text, start, end}.
     Q_INVOKABLE QVariantMap captionWord(int index) const;
     /// The words in short lines, to be read and edited: [{first, count, start}].
@@ -206,10 +213,10 @@ public:
 
     // Export.
 
-    ExportState exportState() const { return exporting; }
-    double exportProgress() const { return exportShare; }
-    QString exportFailure() const { return exportProblem; }
-    const std::filesystem::path& exportedFile() const { return exported; }
+    ExportState exportState() const { return exporting.state(); }
+    double exportProgress() const { return exporting.progress(); }
+    QString exportFailure() const { return exporting.failure(); }
+    const std::filesystem::path& exportedFile() const { return exporting.film(); }
 
     /// "N – YouTube 4K.mp4".
     static std::string exportFileName(const std::string& name, RecordCore::OutputFormat format, double scale);
@@ -218,23 +225,26 @@ public:
     /// made.
     Q_INVOKABLE void exportFilm(const QString& format = {}, double scale = 1, bool watermark = false,
                                 double fps = 60);
-    bool exportCancelling() const { return exportCancelled && exporting == ExportState::working; }
+    bool exportCancelling() const { return exporting.cancelling(); }
     /// Whether a finished film is shown in the file viewer at once; off while several are made in a row.
     bool revealsExported = true;
-    Q_INVOKABLE void cancelExport();
+    Q_INVOKABLE void cancelExport() { exporting.cancel(); }
     Q_INVOKABLE void copyExported();
     Q_INVOKABLE void revealExported();
 
     // Captions.
 
-    bool captioning() const { return isCaptioning; }
-    double captioningProgress() const { return captioningShare; }
-    QString captionsMessage() const { return captionsProblem; }
+    bool captioning() const { return listening.working(); }
+    double captioningProgress() const { return listening.progress(); }
+    QString captionsMessage() const { return listening.problem(); }
     /// Recognises what is said and shows it as captions. The language chosen is remembered.
     Q_INVOKABLE void generateCaptions(const QString& language = {});
-    Q_INVOKABLE void cancelCaptions();
+    /// Finds the times of the words there are anew: those that were corrected may be longer or shorter than
+    /// what was heard at first. One step to undo.
+    Q_INVOKABLE void retimeCaptions(const QString& language = {});
+    Q_INVOKABLE void cancelCaptions() { listening.cancel(); }
     /// The language chosen last; the user's own before there is one.
-    Q_INVOKABLE QString captionsLanguage() const;
+    Q_INVOKABLE QString captionsLanguage() const { return CaptionWork::language(); }
     /// Writes the captions, in the film's time, as SubRip or WebVTT by the file's ending. What went wrong is
     /// returned; nothing when it went well.
     Q_INVOKABLE QString saveCaptions(const QUrl& file) const;
@@ -255,6 +265,8 @@ Q_SIGNALS:
     void saveFailureChanged();
 
 private:
+    int exportStateNumber() const { return static_cast<int>(exportState()); }
+
     template <typename Block>
     struct AutomaticBlocks {
         std::optional<RecordCore::Project> made; ///< what they were made for, without what does not matter
@@ -269,6 +281,8 @@ private:
     void dropStaleSelection();
     double viewportAspect() const;
 
+    const std::vector<RecordCore::CaptionWord>& words() const;
+
     QVariantMap projectFields() const;
     static QVariantMap defaultFields();
     QVariantList segmentList() const;
@@ -280,7 +294,7 @@ private:
     QVariantMap selectionMap() const;
     /// The block that is selected: {kind ("speed", "zoom", "none"), id, start, end, speed or x, y, zoom}.
     QVariantMap selectedBlockMap() const;
-    QString exportedFileName() const { return QString::fromStdString(exported.string()); }
+    QString exportedFileName() const { return QString::fromStdString(exporting.film().string()); }
 
     OpenedRecording opened;
     bool cameraThere = false;
@@ -307,24 +321,15 @@ private:
     double head = 0;
     bool isPlaying = false;
 
-    ExportState exporting = ExportState::idle;
-    double exportShare = 0;
-    QString exportProblem;
-    std::filesystem::path exported;
-
-    bool isCaptioning = false;
-    double captioningShare = 0;
-    QString captionsProblem;
-
     QString saveProblem;
 
-    std::atomic<bool> exportCancelled{false};
-    std::atomic<bool> captionsCancelled{false};
+    std::unique_ptr<Filmstrip> film;
+    std::unique_ptr<Waveform> sound;
     // Ended first, in this order: what they run uses the members above.
     std::unique_ptr<ProjectStore> store;
     std::unique_ptr<EditorPreview> shownPreview;
-    SerialQueue captionQueue;
-    SerialQueue exportQueue;
+    CaptionWork listening;
+    ExportWork exporting;
 };
 
 } // namespace OmbrelRecord

@@ -54,6 +54,8 @@ struct EditorParts {
     /// Seconds of a clock that never goes back.
     std::function<double()> now;
     Desktop* desktop = nullptr;
+    /// Where what can be made anew is kept for the next time; empty: nowhere.
+    std::filesystem::path cache;
     /// Where films are exported to.
     std::filesystem::path films;
     /// Writes a film; blocks, on a thread of the editor's. Gives up when `cancel` turns true. Throws.
@@ -66,6 +68,13 @@ struct EditorParts {
         const std::filesystem::path& video, const std::string& language,
         const std::function<void(double)>& progress, const std::atomic<bool>& cancel)>
         recognizeWords;
+    /// The same words, corrected by hand, with the times at which the recording has them; as
+    /// `recognizeWords`.
+    std::function<std::vector<RecordCore::CaptionWord>(
+        const std::filesystem::path& video, std::vector<RecordCore::CaptionWord> words,
+        const std::string& language, const std::function<void(double)>& progress,
+        const std::atomic<bool>& cancel)>
+        alignWords;
     /// Makes the preview; may be empty: then there is none.
     std::function<std::unique_ptr<EditorPreview>(const OpenedRecording& recording)> makePreview;
 };

@@ -46,6 +46,12 @@ const QImage* Filmstrip::picture(int level, qint64 slot) const {
     return pictures.object(key(level, slot));
 }
 
+bool Filmstrip::complete(int level, qint64 first, qint64 last) const {
+    for (qint64 slot = first; slot <= last; ++slot)
+        if (!pictures.contains(key(level, slot)) && !unreadable.contains(key(level, slot))) return false;
+    return true;
+}
+
 const QImage* Filmstrip::standIn(int level, qint64 slot) const {
     const double time = static_cast<double>(slot) * distance(level);
     for (int apart = 1; apart <= 3 * steps; ++apart)
@@ -67,7 +73,8 @@ void Filmstrip::show(int level, qint64 first, qint64 last) {
         if (slot < 0 || pictures.contains(name) || unreadable.contains(name)) return;
         const double time = static_cast<double>(slot) * distance(level);
         if (time > duration) return;
-        wanted.push_back({name, time, height});
+        // Where pictures stand far apart, a frame that can be had at once does as well.
+        wanted.push_back({name, time, height, distance(level) / 2});
     };
     for (qint64 slot = first; slot <= last; ++slot)
         ask(slot);

@@ -25,6 +25,9 @@ public:
 
     /// The picture of a slot; null while it is not decoded yet.
     const QImage* picture(int level, qint64 slot) const;
+    /// Whether all of these slots are there, but for those that cannot be decoded.
+    bool complete(int level, qint64 first, qint64 last) const;
+    int pictureHeight() const { return height; }
     /// A picture of another level that stands near: better than none.
     const QImage* standIn(int level, qint64 slot) const;
 

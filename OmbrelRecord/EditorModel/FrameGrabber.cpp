@@ -20,7 +20,10 @@ class Reader {
 public:
     explicit Reader(std::unique_ptr<VideoReader> video) : reader(std::move(video)) {}
 
-    std::optional<VideoFrame> at(double time) {
+    std::optional<VideoFrame> at(double time, double slack) {
+        if (slack > 0)
+            if (const auto cost = reader->seekCost(time); cost && cost->keyTime >= time - slack)
+                time = std::min(time, cost->keyTime);
         if (!shown || time < shown->time || time > shown->time + worthSeeking) {
             reader->seek(time);
             shown = reader->next();
@@ -79,7 +82,7 @@ void FrameGrabber::run() {
         QImage picture;
         try {
             if (!reader && !broken) reader.emplace(media.openVideo(video, 1));
-            if (const auto frame = reader ? reader->at(next.time) : std::nullopt) {
+            if (const auto frame = reader ? reader->at(next.time, next.slack) : std::nullopt) {
                 picture = imageOf(frame->picture);
                 if (next.height > 0 && picture.height() > next.height)
                     picture = picture.scaledToHeight(next.height, Qt::SmoothTransformation);

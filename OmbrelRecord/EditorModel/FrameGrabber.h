@@ -21,6 +21,8 @@ public:
         quint64 key = 0; ///< the asker's own name for it
         double time = 0; ///< source seconds
         int height = 0;  ///< pixels; never enlarged
+        /// A picture may be this many seconds too early where that spares decoding.
+        double slack = 0;
     };
 
     /// `media` must outlive the object.

@@ -41,7 +41,7 @@ std::filesystem::path LookPresets::standardFile() {
     return std::filesystem::path(folder.toStdString()) / "ombrel-record" / "looks.json";
 }
 
-int LookPresets::builtinCount() const {
+int LookPresets::builtinCount() {
     return static_cast<int>(LookPreset::builtIn().size());
 }
 
@@ -141,9 +141,29 @@ bool LookPresets::rename(int row, const QString& name) {
 
 bool LookPresets::remove(int row) {
     if (!isOwn(row)) return false;
+    const auto place = own.begin() + (row - builtinCount());
+    deleted = Deleted{static_cast<std::size_t>(row - builtinCount()), *place};
     beginRemoveRows({}, row, row);
-    own.erase(own.begin() + (row - builtinCount()));
+    own.erase(place);
     endRemoveRows();
+    Q_EMIT countChanged();
+    Q_EMIT deletedChanged();
+    keep();
+    return true;
+}
+
+bool LookPresets::putBack() {
+    if (!deleted) return false;
+    Deleted again = std::move(*deleted);
+    deleted.reset();
+    Q_EMIT deletedChanged();
+    // Another look may have its name by now.
+    if (rowNamed(QString::fromStdString(again.look.name)) >= 0) again.look.name = freshName().toStdString();
+    const std::size_t place = std::min(again.place, own.size());
+    const int row = builtinCount() + static_cast<int>(place);
+    beginInsertRows({}, row, row);
+    own.insert(own.begin() + static_cast<std::ptrdiff_t>(place), std::move(again.look));
+    endInsertRows();
     Q_EMIT countChanged();
     keep();
     return true;

@@ -5,6 +5,7 @@
 #include <QtCore/QAbstractListModel>
 #include <QtCore/QString>
 #include <filesystem>
+#include <optional>
 #include <vector>
 
 namespace OmbrelRecord {
@@ -17,6 +18,8 @@ class EditorModel;
 class LookPresets : public QAbstractListModel {
     Q_OBJECT
     Q_PROPERTY(int count READ count NOTIFY countChanged)
+    Q_PROPERTY(int builtinCount READ builtinCount CONSTANT)
+    Q_PROPERTY(QString deletedName READ deletedName NOTIFY deletedChanged)
     Q_PROPERTY(QString failure READ failure NOTIFY failureChanged)
 
 public:
@@ -37,6 +40,7 @@ public:
     QHash<int, QByteArray> roleNames() const override;
 
     int count() const { return rowCount(); }
+    static int builtinCount();
     /// Why the user's looks could not be read or kept; empty when all is well.
     QString failure() const { return problem; }
 
@@ -52,17 +56,20 @@ public:
     Q_INVOKABLE int save(const QString& name, OmbrelRecord::EditorModel* editor);
     /// False when the name is empty or taken, or the look is not the user's.
     Q_INVOKABLE bool rename(int row, const QString& name);
-    /// False when the look is not the user's.
+    /// False when the look is not the user's. The one deleted last can be put back where it was.
     Q_INVOKABLE bool remove(int row);
+    Q_INVOKABLE bool putBack();
+    /// Its name; empty when there is none.
+    QString deletedName() const { return deleted ? QString::fromStdString(deleted->look.name) : QString(); }
     /// A name that is not taken yet, "My look 2".
     Q_INVOKABLE QString freshName() const;
 
 Q_SIGNALS:
     void countChanged();
     void failureChanged();
+    void deletedChanged();
 
 private:
-    int builtinCount() const;
     bool isOwn(int row) const { return row >= builtinCount() && row < rowCount(); }
     QString shownName(int row) const;
     int rowNamed(const QString& name) const;
@@ -70,6 +77,11 @@ private:
 
     std::filesystem::path file;
     std::vector<LookPreset> own;
+    struct Deleted {
+        std::size_t place; ///< among the user's own
+        LookPreset look;
+    };
+    std::optional<Deleted> deleted;
     bool unreadable = false; ///< the file holds what could not be read
     QString problem;
 };

@@ -1,8 +1,14 @@
 #include "OmbrelRecord/EditorModel/Waveform.h"
 
+#include "OmbrelRecord/AppModel/FileKey.h"
+#include "RecordCore/Model/AtomicFile.h"
+
 #include <QtCore/QMetaObject>
 #include <algorithm>
 #include <cmath>
+#include <optional>
+#include <string>
+#include <string_view>
 
 namespace OmbrelRecord {
 
@@ -14,25 +20,57 @@ constexpr std::size_t grain = 64;
 /// Handed over in pieces of this length: a line that grows visibly, yet not a signal for every packet.
 constexpr int pieceSeconds = 20;
 
+// A kept file is the peaks behind these bytes.
+constexpr std::string_view mark = "ombrel peaks 1\n";
+
+std::optional<std::vector<std::uint8_t>> kept(const std::filesystem::path& file, std::size_t count) {
+    std::error_code missing;
+    if (file.empty() || !std::filesystem::is_regular_file(file, missing)) return std::nullopt;
+    try {
+        const std::string bytes = readFile(file);
+        if (bytes.size() != mark.size() + count || bytes.compare(0, mark.size(), mark) != 0)
+            return std::nullopt;
+        return std::vector<std::uint8_t>(bytes.begin() + static_cast<std::ptrdiff_t>(mark.size()),
+                                         bytes.end());
+    } catch (const std::exception&) {
+        return std::nullopt; // it is made anew
+    }
+}
+
+void keep(const std::filesystem::path& file, const std::string& peaks) {
+    if (file.empty() || peaks.empty()) return;
+    try {
+        std::filesystem::create_directories(file.parent_path());
+        writeFileAtomically(file, std::string(mark) + peaks);
+    } catch (const std::exception&) {
+        // Next time it is read from the sound again.
+    }
+}
+
 } // namespace
 
 Waveform::Waveform(const MediaBackend& media, const std::filesystem::path& video, double duration,
-                   QObject* parent) :
+                   const std::filesystem::path& cache, QObject* parent) :
     QObject(parent),
-    thread([this, &media, video, duration] { read(media, video, duration); }) {}
+    thread([this, &media, video, duration, cache] { read(media, video, duration, cache); }) {}
 
 Waveform::~Waveform() {
     ending = true;
     thread.join();
 }
 
-void Waveform::read(const MediaBackend& media, const std::filesystem::path& video, double duration) {
+void Waveform::read(const MediaBackend& media, const std::filesystem::path& video, double duration,
+                    const std::filesystem::path& cache) {
     const auto hand = [this](std::vector<std::uint8_t> more, bool last) {
         QMetaObject::invokeMethod(this, [this, more = std::move(more), last] { add(more, last); });
     };
+    const auto total = static_cast<std::int64_t>(std::ceil(std::max(duration, 0.0) * perSecond));
+    const std::filesystem::path file =
+        cache.empty() ? cache : cache / (fileKey(video).toStdString() + ".peaks");
+    if (auto known = kept(file, static_cast<std::size_t>(total))) return hand(std::move(*known), true);
     try {
         const auto tracks = media.openSound(video);
-        const auto total = static_cast<std::int64_t>(std::ceil(std::max(duration, 0.0) * perSecond));
+        std::string all;
         constexpr std::int64_t samples = soundRate / perSecond;
         std::vector<float> sound(static_cast<std::size_t>(samples * perSecond * soundChannels));
         std::vector<std::uint8_t> piece;
@@ -52,11 +90,13 @@ void Waveform::read(const MediaBackend& media, const std::filesystem::path& vide
                 }
             }
             piece.insert(piece.end(), second.begin(), second.end());
+            all.append(second.begin(), second.end());
             if (piece.size() < static_cast<std::size_t>(pieceSeconds * perSecond)) continue;
             hand(std::move(piece), false);
             piece.clear();
         }
         hand(std::move(piece), true);
+        keep(file, all);
     } catch (const std::exception&) {
         hand({}, true); // sound that cannot be read shows as silence
     }

@@ -11,17 +11,18 @@
 
 namespace OmbrelRecord {
 
-/// How loud a recording is over time, all its sound tracks together. Read once, on a thread of its own, and
-/// kept for as long as the object lives: 100 peaks a second. Main thread.
+/// How loud a recording is over time, all its sound tracks together: 100 peaks a second. Read once, on a
+/// thread of its own, and kept in a file for the next time. Main thread.
 class Waveform : public QObject {
     Q_OBJECT
 
 public:
     static constexpr int perSecond = 100;
 
-    /// Starts reading at once. `media` must outlive the object.
+    /// Starts reading at once. `media` must outlive the object. `cache` is a folder, which need not exist;
+    /// with an empty one nothing is kept.
     Waveform(const RecordCore::MediaBackend& media, const std::filesystem::path& video, double duration,
-             QObject* parent = nullptr);
+             const std::filesystem::path& cache = {}, QObject* parent = nullptr);
     ~Waveform() override;
 
     /// Known up to this time; the rest is still being read.
@@ -38,7 +39,8 @@ Q_SIGNALS:
     void changed();
 
 private:
-    void read(const RecordCore::MediaBackend& media, const std::filesystem::path& video, double duration);
+    void read(const RecordCore::MediaBackend& media, const std::filesystem::path& video, double duration,
+              const std::filesystem::path& cache);
     void add(const std::vector<std::uint8_t>& more, bool last);
 
     std::vector<std::uint8_t> peaks;

@@ -98,23 +98,19 @@ void TimelineLayer::openMedia() {
     EditorModel* model = shown && part == Part::Film && window() ? shown->editor() : nullptr;
     if (mediaOf == model && model) return;
     mediaOf = model;
-    film.reset();
-    sound.reset();
-    if (!model || !model->media()) return;
-    const int height = static_cast<int>(std::lround(shown->row(Zone::Film).height * ratio()));
-    const std::filesystem::path& video = model->recording().video;
-    film = std::make_unique<Filmstrip>(*model->media(), video, model->duration(), height);
-    connect(film.get(), &Filmstrip::changed, this, [this] {
+    if (film) disconnect(film, nullptr, this, nullptr);
+    if (sound) disconnect(sound, nullptr, this, nullptr);
+    film = nullptr;
+    sound = nullptr;
+    if (!model) return;
+    film = model->filmstrip(static_cast<int>(std::lround(shown->row(Zone::Film).height * ratio())));
+    sound = model->waveform();
+    const auto more = [this] {
         update();
         Q_EMIT busyChanged();
-    });
-    if (model->hasSound()) {
-        sound = std::make_unique<Waveform>(*model->media(), video, model->duration());
-        connect(sound.get(), &Waveform::changed, this, [this] {
-            update();
-            Q_EMIT busyChanged();
-        });
-    }
+    };
+    if (film) connect(film, &Filmstrip::changed, this, more);
+    if (sound) connect(sound, &Waveform::changed, this, more);
     showSlots();
 }
 
@@ -158,9 +154,7 @@ bool TimelineLayer::busy() const {
     if (sound && !sound->complete()) return true;
     const Slots found =
         slotsOf(shown->scale(), pictureWidth(*shown->editor(), shown->row(Zone::Film).height));
-    for (qint64 slot = found.first; slot <= found.last; ++slot)
-        if (!film->picture(found.level, slot)) return true;
-    return false;
+    return !film->complete(found.level, found.first, found.last);
 }
 
 double TimelineLayer::slowestPaint() {
@@ -504,9 +498,11 @@ void TimelineLayer::paintBlock(QPainter& painter, const QRectF& block, const QCo
     const QFontMetricsF metrics(painter.font());
     QString label = full;
     if (metrics.horizontalAdvance(label) > room) label = brief;
-    if (label.isEmpty() || metrics.horizontalAdvance(label) > room + 8) return;
-    painter.setPen(ink);
     const bool roomy = metrics.horizontalAdvance(label) <= room;
+    // Where there is little room it goes without margins, unless the handles stand there.
+    if (label.isEmpty() || (!roomy && (selected || hovered || metrics.horizontalAdvance(label) > room + 8)))
+        return;
+    painter.setPen(ink);
     const QRectF place = roomy ? QRectF(left + 12 + indent, body.y(), room, body.height())
                                : QRectF(left + indent, body.y(), right - left - indent, body.height());
     painter.drawText(place, Qt::AlignVCenter | (roomy ? Qt::AlignLeft : Qt::AlignHCenter), label);

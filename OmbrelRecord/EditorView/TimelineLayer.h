@@ -89,8 +89,8 @@ private:
     QColor background, surface, line, text, secondary, accent, speed, zoom, cut;
     QString speedHint, zoomHint;
 
-    std::unique_ptr<Filmstrip> film;
-    std::unique_ptr<Waveform> sound;
+    QPointer<Filmstrip> film;
+    QPointer<Waveform> sound;
     const EditorModel* mediaOf = nullptr;
     double slowest = 0;
 };

@@ -50,6 +50,7 @@ EditorParts AppSession::editorParts() {
     parts.now = [] { return HostClock::system().now(); };
     parts.desktop = &desktop;
     parts.films = library.films();
+    parts.cache = place(QStandardPaths::GenericCacheLocation);
     parts.exportFilm = [media = mediaBackend](const ExportJob& job,
                                               const std::function<void(double)>& progress,
                                               const std::atomic<bool>& cancel) {
@@ -59,16 +60,29 @@ EditorParts AppSession::editorParts() {
                         stats.wallSeconds));
     };
     parts.makePreview = EditorPlayer::factory(mediaBackend, [] { return std::make_unique<PulseOutput>(); });
-    parts.recognizeWords = [this](const fs::path& video, const std::string& language,
-                                  const std::function<void(double)>& progress,
-                                  const std::atomic<bool>& cancel) {
-        const std::optional<std::string> wanted = language.empty() ? std::nullopt : std::optional(language);
+    // What the user is not told of a failure goes to the log.
+    const auto listen = [this](const auto& work) {
         try {
-            return Transcriber(*speech, *mediaBackend).words(video, wanted, {progress, &cancel});
+            return work(Transcriber(*speech, *mediaBackend));
         } catch (const Transcriber::Failure& failure) {
             if (!failure.detail().empty()) log(fmt::format("captions: {}", failure.detail()));
             throw;
         }
+    };
+    const auto wanted = [](const std::string& language) {
+        return language.empty() ? std::nullopt : std::optional(language);
+    };
+    parts.recognizeWords = [=](const fs::path& video, const std::string& language,
+                               const std::function<void(double)>& progress, const std::atomic<bool>& cancel) {
+        return listen([&](const Transcriber& transcriber) {
+            return transcriber.words(video, wanted(language), {progress, &cancel});
+        });
+    };
+    parts.alignWords = [=](const fs::path& video, std::vector<CaptionWord> words, const std::string& language,
+                           const std::function<void(double)>& progress, const std::atomic<bool>& cancel) {
+        return listen([&](const Transcriber& transcriber) {
+            return transcriber.align(video, std::move(words), wanted(language), {progress, &cancel});
+        });
     };
     return parts;
 }

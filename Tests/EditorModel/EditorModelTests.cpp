@@ -1,9 +1,7 @@
 #include "OmbrelRecord/EditorModel/EditorModel.h"
 #include "RecordCore/Model/RecordingError.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/EditorModel/EditedRecording.h"
 
-#include <QtCore/QCoreApplication>
-#include <chrono>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,15 +13,6 @@ using namespace OmbrelRecord;
 using namespace RecordCore;
 namespace fs = std::filesystem;
 using State = EditorModel::ExportState;
-
-class ScriptedDesktop : public Desktop {
-public:
-    void reveal(const fs::path& file) override { revealed.push_back(file); }
-    void copyFile(const fs::path& file) override { copied.push_back(file); }
-    void trash(const fs::path&) override {}
-    std::vector<fs::path> revealed;
-    std::vector<fs::path> copied;
-};
 
 /// A preview that takes as long as the test wants.
 class ScriptedPreview : public EditorPreview {
@@ -40,17 +29,9 @@ public:
     std::vector<double> sought;
 };
 
-class EditorModelTest : public testing::Test {
+class EditorModelTest : public EditedRecording {
 protected:
-    EditorModelTest() {
-        recording.files.folder = folder / "Recording 1";
-        fs::create_directory(recording.files.folder);
-        recording.video = recording.files.video();
-        recording.info = {1920, 1080, 20, 60, false};
-        parts.now = [this] { return now; };
-        parts.desktop = &desktop;
-        parts.films = folder / "Films";
-    }
+    EditorModelTest() : EditedRecording(20) {}
 
     EditorModel& open() {
         model = std::make_unique<EditorModel>(recording, parts);
@@ -63,22 +44,6 @@ protected:
         project.skipWaiting = false;
         project.save(recording.files.project());
     }
-
-    template <typename Condition>
-    bool until(const Condition& holds) {
-        for (int i = 0; i < 5000 && !holds(); ++i) {
-            QCoreApplication::processEvents();
-            std::this_thread::sleep_for(std::chrono::milliseconds(1)); // other threads are at work
-        }
-        return holds();
-    }
-
-    TemporaryFolder folder;
-    ScriptedDesktop desktop;
-    OpenedRecording recording;
-    EditorParts parts;
-    double now = 0;
-    std::unique_ptr<EditorModel> model;
 };
 
 TEST_F(EditorModelTest, EditsUndoAndRedoThroughOnePath) {
@@ -273,6 +238,47 @@ TEST_F(EditorModelTest, RecognisesCaptions) {
     EXPECT_TRUE(editor.project().showCaptions);
     editor.undo();
     EXPECT_EQ(editor.project(), Project());
+}
+
+TEST_F(EditorModelTest, CorrectedWordsAreTimedAnew) {
+    Project given;
+    given.captions = {{"helo", 1, 1.5}, {"world", 1.5, 2}};
+    given.save(recording.files.project());
+    std::atomic<bool> listen{false};
+    parts.alignWords = [&](const fs::path&, std::vector<CaptionWord> words, const std::string& language,
+                           const auto&, const std::atomic<bool>&) {
+        while (!listen)
+            std::this_thread::yield();
+        if (language == "xx") throw RecordingError("Speech recognition isn't available");
+        for (CaptionWord& word : words)
+            word.start += 0.25;
+        return words;
+    };
+    EditorModel& editor = open();
+    const Project before = editor.project();
+    editor.retimeCaptions(QStringLiteral("en-US"));
+    EXPECT_TRUE(editor.captioning());
+    editor.editCaption(0, QStringLiteral("Hello")); // while it listens
+    listen = true;
+    ASSERT_TRUE(until([&] { return !editor.captioning(); }));
+    EXPECT_EQ(editor.project().captions,
+              (std::vector<CaptionWord>{{"Hello", 1.25, 1.5}, {"world", 1.75, 2}}));
+    editor.undo();
+    EXPECT_EQ((*editor.project().captions)[1].start, 1.5);
+    editor.undo();
+    EXPECT_EQ(editor.project(), before);
+
+    // A word that was taken out meanwhile leaves the times to nobody.
+    listen = false;
+    editor.retimeCaptions();
+    editor.editCaption(0, {});
+    listen = true;
+    ASSERT_TRUE(until([&] { return !editor.captioning(); }));
+    EXPECT_EQ(editor.project().captions, (std::vector<CaptionWord>{{"world", 1.5, 2}}));
+
+    editor.retimeCaptions(QStringLiteral("xx"));
+    ASSERT_TRUE(until([&] { return !editor.captioning(); }));
+    EXPECT_EQ(editor.captionsMessage(), QStringLiteral("Speech recognition isn't available"));
 }
 
 } // namespace

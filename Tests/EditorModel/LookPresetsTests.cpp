@@ -119,8 +119,16 @@ TEST_F(LookPresetsTest, ownLooksAreKept) {
     EXPECT_EQ(wide.padding, 0.1);
     EXPECT_EQ(wide.captionSize, 0.1 + 0.2);
     EXPECT_TRUE(wide.cameraBorder);
+    EXPECT_FALSE(again.putBack()) << "nothing was deleted";
     EXPECT_TRUE(again.remove(builtin));
     EXPECT_EQ(LookPresets(file).count(), builtin + 1);
+    EXPECT_EQ(again.deletedName(), QStringLiteral("Wide"));
+    EXPECT_TRUE(again.rename(builtin, QStringLiteral("wide"))) << "the name is free again";
+    EXPECT_TRUE(again.putBack());
+    EXPECT_EQ(name(again, builtin), QStringLiteral("My look")) << "and taken when the other comes back";
+    EXPECT_EQ(again.at(builtin).padding, 0.1);
+    EXPECT_EQ(again.deletedName(), QString());
+    EXPECT_EQ(LookPresets(file).count(), builtin + 2);
 }
 
 TEST_F(LookPresetsTest, whatCannotBeReadIsKeptBeside) {

@@ -1,13 +1,10 @@
 #include "OmbrelRecord/EditorModel/ExportQueue.h"
 #include "OmbrelRecord/EditorModel/TimelineController.h"
 #include "RecordCore/Model/RecordingError.h"
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/EditorModel/EditedRecording.h"
 
-#include <QtCore/QCoreApplication>
-#include <chrono>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <thread>
 
 namespace {
 
@@ -16,22 +13,10 @@ using namespace RecordCore;
 using Zone = TimelineController::Zone;
 namespace fs = std::filesystem;
 
-class QuietDesktop : public Desktop {
-public:
-    void reveal(const fs::path&) override { ++revealed; }
-    void copyFile(const fs::path&) override {}
-    void trash(const fs::path&) override {}
-    int revealed = 0;
-};
-
 /// A recording of 100 s on a timeline where one second is ten pixels, nothing planned by itself.
-class TimelineControllerTest : public testing::Test {
+class TimelineControllerTest : public EditedRecording {
 protected:
-    TimelineControllerTest() {
-        recording.files.folder = folder / "Recording 1";
-        fs::create_directory(recording.files.folder);
-        recording.video = recording.files.video();
-        recording.info = {1920, 1080, 100, 60, false};
+    TimelineControllerTest() : EditedRecording(100) {
         recording.log.emplace();
         recording.log->events.push_back({50, InputLog::Event::Kind::click, 0.5, 0.5});
         Project project;
@@ -40,9 +25,6 @@ protected:
         project.speedBlocks = {SpeedBlock::make(10, 20, 4, SpeedSegment::Reason::idle),
                                SpeedBlock::make(30, 40, 8, SpeedSegment::Reason::idle)};
         project.save(recording.files.project());
-        parts.now = [this] { return now; };
-        parts.desktop = &desktop;
-        parts.films = folder / "Films";
         open();
     }
 
@@ -68,22 +50,8 @@ protected:
         for (int i = 0; i < 5000 && model->rendering(); ++i)
             QCoreApplication::processEvents();
     }
-    template <typename Condition>
-    bool until(const Condition& holds) {
-        for (int i = 0; i < 5000 && !holds(); ++i) {
-            QCoreApplication::processEvents();
-            std::this_thread::sleep_for(std::chrono::milliseconds(1)); // other threads are at work
-        }
-        return holds();
-    }
 
-    TemporaryFolder folder;
-    QuietDesktop desktop;
-    OpenedRecording recording;
-    EditorParts parts;
-    double now = 0;
     TimelineController timeline;
-    std::unique_ptr<EditorModel> model;
 };
 
 TEST_F(TimelineControllerTest, ADragIsOneStepHoweverSlow) {
@@ -232,7 +200,7 @@ TEST_F(TimelineControllerTest, FilmsAreExportedOneAfterTheOther) {
     queue.start({QStringLiteral("16:9"), QStringLiteral("9:16")}, 1, 30);
     ASSERT_TRUE(until([&] { return queue.state() == ExportQueue::State::Done; }));
     EXPECT_THAT(made, testing::ElementsAre("Recording 1 – YouTube.mp4", "Recording 1 – Shorts.mp4"));
-    EXPECT_EQ(desktop.revealed, 0) << "several films do not open a window each";
+    EXPECT_TRUE(desktop.revealed.empty()) << "several films do not open a window each";
     EXPECT_EQ(queue.progress(), 1);
     EXPECT_EQ(queue.url(1).fileName(), QStringLiteral("Recording 1 – Shorts.mp4"));
 
