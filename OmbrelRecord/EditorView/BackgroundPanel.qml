@@ -142,6 +142,7 @@ InspectorPanel {
             width: parent.width
             iconName: "open"
             text: qsTr("Choose another image…")
+            tip: qsTr("Takes a picture file from this computer")
             focusPolicy: Qt.TabFocus
             onClicked: picker.open()
         }

@@ -29,8 +29,8 @@ InspectorPanel {
             field: "cameraShape"
             label: qsTr("Shape")
             model: [
-                { value: "circle", text: qsTr("Circle") },
-                { value: "rounded", text: qsTr("Rounded") }
+                { value: "circle", text: qsTr("Circle"), tip: qsTr("A round bubble") },
+                { value: "rounded", text: qsTr("Rounded"), tip: qsTr("A rectangle with round corners") }
             ]
         }
         PanelChoice {
@@ -38,10 +38,10 @@ InspectorPanel {
             field: "cameraCorner"
             label: qsTr("Corner")
             model: [
-                { value: "tl", text: "↖", tip: qsTr("Top left") },
-                { value: "tr", text: "↗", tip: qsTr("Top right") },
-                { value: "bl", text: "↙", tip: qsTr("Bottom left") },
-                { value: "br", text: "↘", tip: qsTr("Bottom right") }
+                { value: "tl", icon: "corner-tl", tip: qsTr("Top left") },
+                { value: "tr", icon: "corner-tr", tip: qsTr("Top right") },
+                { value: "bl", icon: "corner-bl", tip: qsTr("Bottom left") },
+                { value: "br", icon: "corner-br", tip: qsTr("Bottom right") }
             ]
         }
         PanelSlider {

@@ -60,6 +60,16 @@ InspectorPanel {
             focusPolicy: Qt.TabFocus
             onClicked: root.editor.generateCaptions(language.currentValue)
         }
+        Button {
+            width: parent.width
+            objectName: "retime"
+            visible: root.editor.hasSound && root.any
+            iconName: "waveform"
+            text: qsTr("Time the words anew")
+            tip: qsTr("Keeps your words and finds in the sound when each is said; for words you corrected")
+            focusPolicy: Qt.TabFocus
+            onClicked: root.editor.retimeCaptions(language.currentValue)
+        }
     }
     Column {
         width: parent.width
@@ -78,6 +88,7 @@ InspectorPanel {
         Button {
             width: parent.width
             text: qsTr("Cancel")
+            tip: qsTr("The captions stay as they are")
             focusPolicy: Qt.TabFocus
             onClicked: root.editor.cancelCaptions()
         }
@@ -180,6 +191,7 @@ InspectorPanel {
                             activeFocusOnTab: true
                             Accessible.role: Accessible.EditableText
                             Accessible.name: qsTr("Word %1").arg(given)
+                            Accessible.description: tip.text
                             onActiveFocusChanged: {
                                 if (!activeFocus) return;
                                 selectAll();
@@ -201,6 +213,11 @@ InspectorPanel {
                                 border.color: word.activeFocus ? Theme.accent : Theme.line
                             }
                             HoverHandler { id: hover }
+                            Tooltip {
+                                id: tip
+                                text: qsTr("Type to correct it, empty it to take it out")
+                                shown: hover.hovered && !word.activeFocus
+                            }
                         }
                     }
                 }
@@ -236,6 +253,7 @@ InspectorPanel {
             kind: "danger"
             iconName: "trash"
             text: qsTr("Remove the captions")
+            tip: qsTr("Forgets all words; undo brings them back")
             focusPolicy: Qt.TabFocus
             onClicked: root.editor.removeCaptions()
         }

@@ -25,12 +25,14 @@ InspectorPanel {
             field: "title"
             label: qsTr("Title")
             placeholderText: qsTr("Title")
+            tip: qsTr("What the film is called")
         }
         PanelText {
             editor: root.editor
             field: "subtitle"
             label: qsTr("Second line of the title card")
             placeholderText: qsTr("Second line")
+            tip: qsTr("Smaller, below it")
         }
     }
     PanelSection {
@@ -51,12 +53,14 @@ InspectorPanel {
                 field: "endTitle"
                 label: qsTr("Text of the end card")
                 placeholderText: qsTr("Text")
+                tip: qsTr("What the film ends with")
             }
             PanelText {
                 editor: root.editor
                 field: "endSubtitle"
                 label: qsTr("Second line of the end card")
                 placeholderText: qsTr("Second line")
+                tip: qsTr("Smaller, below it; a web address, say")
             }
         }
     }

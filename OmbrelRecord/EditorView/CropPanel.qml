@@ -19,7 +19,6 @@ InspectorPanel {
         width: parent.width
         objectName: "crop"
         iconName: "crop"
-        kind: root.cropping ? "plain" : "plain"
         checked: root.cropping
         text: root.cropping ? qsTr("Done") : root.crop ? qsTr("Change the crop") : qsTr("Crop on the picture")
         tip: qsTr("Shows the whole screen; drag the frame and its corners")
@@ -39,6 +38,7 @@ InspectorPanel {
                 ]
                 Chip {
                     required property var modelData
+                    checked: root.isShape(modelData.ratio)
                     text: modelData.text
                     tip: modelData.ratio ? qsTr("The largest part of that shape around the middle of the crop")
                                          : qsTr("The whole screen")
@@ -56,6 +56,11 @@ InspectorPanel {
             : qsTr("The whole screen, %1 × %2 pixels").arg(root.source.width).arg(root.source.height)
     }
 
+    function isShape(ratio) {
+        if (!ratio || !crop)
+            return !ratio && !crop;
+        return Math.abs(crop.width * source.width / (crop.height * source.height) / ratio - 1) < 0.005;
+    }
     function shape(ratio) {
         if (!ratio) {
             editor.set("crop", undefined);

@@ -73,7 +73,7 @@ std::vector<Snapshot::View> views(EditorModel& model) {
             }
         });
 
-    for (const char* panel : {"format", "background", "frame", "pointer", "zoom", "speed", "camera",
+    for (const char* panel : {"looks", "format", "background", "frame", "pointer", "zoom", "speed", "camera",
                               "captions", "cards", "crop"}) {
         Project project = given;
         const QString name = QString::fromLatin1(panel);
@@ -93,7 +93,10 @@ std::vector<Snapshot::View> views(EditorModel& model) {
             project.subtitle = "of what is new";
         }
         add(QStringLiteral("panel-") + name, project, name,
-            length * (name == QLatin1String("captions") ? 0.06 : 0.3), [editor, name](QQuickItem&) {
+            name == QLatin1String("captions") ? length * 0.06
+            : name == QLatin1String("cards")  ? 0
+                                              : length * 0.3,
+            [editor, name](QQuickItem&) {
                 if (name == QLatin1String("zoom") && !editor->zoomBlocks().empty())
                     editor->select(EditorModel::Selection::Zoom{editor->zoomBlocks().front().id});
                 if (name == QLatin1String("speed") && !editor->speedBlocks().empty())

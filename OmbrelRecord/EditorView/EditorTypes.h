@@ -2,6 +2,8 @@
 
 #include "OmbrelRecord/EditorModel/EditorModel.h"
 #include "OmbrelRecord/EditorModel/ExportQueue.h"
+#include "OmbrelRecord/EditorModel/LookPictures.h"
+#include "OmbrelRecord/EditorModel/LookPresets.h"
 #include "OmbrelRecord/EditorModel/TimelineController.h"
 
 #include <QtQml/qqml.h>
@@ -26,6 +28,18 @@ struct ExportQueueInQml {
     Q_GADGET
     QML_FOREIGN(OmbrelRecord::ExportQueue)
     QML_NAMED_ELEMENT(ExportQueue)
+};
+
+struct LookPresetsInQml {
+    Q_GADGET
+    QML_FOREIGN(OmbrelRecord::LookPresets)
+    QML_NAMED_ELEMENT(LookPresets)
+};
+
+struct LookPicturesInQml {
+    Q_GADGET
+    QML_FOREIGN(OmbrelRecord::LookPictures)
+    QML_NAMED_ELEMENT(LookPictures)
 };
 
 } // namespace OmbrelRecord

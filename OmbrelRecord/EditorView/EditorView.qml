@@ -13,7 +13,7 @@ FocusScope {
     property alias timeline: timeline
     property alias exportSheet: sheet
     property alias shortcutsSheet: help
-    readonly property bool busy: timeline.busy || !preview.ready
+    readonly property bool busy: timeline.busy || !preview.ready || inspector.busy
 
     signal backRequested()
 

@@ -311,6 +311,7 @@ T.Popup {
                     visible: root.phase === ExportQueue.Done
                     iconName: "reveal"
                     text: qsTr("Show in folder")
+                    tip: qsTr("Opens the file manager where the film is")
                     focusPolicy: Qt.TabFocus
                     onClicked: queue.reveal()
                 }
@@ -318,12 +319,14 @@ T.Popup {
                     visible: root.phase === ExportQueue.Done || root.phase === ExportQueue.Failed
                     text: root.phase === ExportQueue.Done ? qsTr("Export more") : qsTr("Back")
                     kind: root.phase === ExportQueue.Done ? "plain" : "filled"
+                    tip: qsTr("Back to the choice of formats")
                     focusPolicy: Qt.TabFocus
                     onClicked: queue.clear()
                 }
                 Button {
                     visible: root.phase === ExportQueue.Working
                     text: qsTr("Cancel")
+                    tip: qsTr("Stops; films that are finished stay")
                     enabled: !queue.cancelling
                     focusPolicy: Qt.TabFocus
                     onClicked: queue.cancel()
@@ -335,6 +338,7 @@ T.Popup {
                     kind: "filled"
                     iconName: "export"
                     enabled: root.chosen.length > 0
+                    tip: qsTr("Makes the films that are ticked")
                     text: root.chosen.length > 1 ? qsTr("Export %1 films").arg(root.chosen.length) : qsTr("Export")
                     focusPolicy: Qt.TabFocus
                     onClicked: root.begin()

@@ -30,9 +30,9 @@ FocusScope {
     readonly property real aspect: editor.sourceSize.width * region.width
         / Math.max(1, editor.sourceSize.height * region.height)
     readonly property rect picture: {
-        const w = Math.min(width, height * aspect);
-        const h = w / aspect;
-        return Qt.rect((width - w) / 2, (height - h) / 2, w, h);
+        const w = Math.round(Math.min(width, height * aspect));
+        const h = Math.round(w / aspect);
+        return Qt.rect(Math.round((width - w) / 2), Math.round((height - h) / 2), w, h);
     }
 
     function limited(x, y, w, h) {
@@ -109,8 +109,12 @@ FocusScope {
         width: root.picture.width
         height: root.picture.height
 
-        readonly property rect box: Qt.rect(root.frame.x * width, root.frame.y * height,
-                                            root.frame.width * width, root.frame.height * height)
+        // On whole pixels: between the shades there shall be no seams.
+        readonly property rect box: {
+            const left = Math.round(root.frame.x * width), top = Math.round(root.frame.y * height);
+            return Qt.rect(left, top, Math.round((root.frame.x + root.frame.width) * width) - left,
+                           Math.round((root.frame.y + root.frame.height) * height) - top);
+        }
 
         // What is outside is dimmed, in four parts: the picture inside stays as it is.
         component Shade: Rectangle { color: "#9C06070A" }
@@ -253,6 +257,8 @@ FocusScope {
                 implicitHeight: Theme.small
                 kind: "filled"
                 text: qsTr("Done")
+                tip: qsTr("Back to the film")
+                keys: qsTr("Return")
                 focusPolicy: Qt.TabFocus
                 onClicked: root.closeWanted()
             }

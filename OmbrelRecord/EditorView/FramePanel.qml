@@ -6,7 +6,7 @@ InspectorPanel {
     id: root
 
     title: qsTr("Frame")
-    fields: ["padding", "radius", "shadow"]
+    fields: ["padding", "radius", "shadow", "showClock"]
 
     PanelSlider {
         editor: root.editor

@@ -6,9 +6,10 @@ FocusScope {
     id: root
 
     required property EditorModel editor
-    property string panel: "format"
+    property string panel: "looks"
     property string aim
     readonly property var panels: [
+        { name: "looks", icon: "palette", text: qsTr("Looks") },
         { name: "format", icon: "format-wide", text: qsTr("Format") },
         { name: "background", icon: "backdrop", text: qsTr("Background") },
         { name: "frame", icon: "frame", text: qsTr("Frame") },
@@ -21,6 +22,7 @@ FocusScope {
         { name: "crop", icon: "crop", text: qsTr("Crop") }
     ]
     readonly property Item current: loader.item
+    readonly property bool busy: current?.busy ?? false
 
     signal aimWanted(string what)
 
@@ -40,11 +42,12 @@ FocusScope {
         width: parent.width - rail.width
         height: parent.height
         sourceComponent: ({
-            format: format, background: background, frame: frame, pointer: pointer, zoom: zoom,
+            looks: looks, format: format, background: background, frame: frame, pointer: pointer, zoom: zoom,
             speed: speed, camera: camera, captions: captions, cards: cards, crop: crop
         })[root.panel]
     }
 
+    Component { id: looks; LooksPanel { editor: root.editor } }
     Component { id: format; FormatPanel { editor: root.editor } }
     Component { id: background; BackgroundPanel { editor: root.editor } }
     Component { id: frame; FramePanel { editor: root.editor } }

@@ -16,6 +16,8 @@ Item {
         const defaults = editor.defaults;
         return fields.some(name => String(project[name]) !== String(defaults[name]));
     }
+    /// Whether something is being made that the panel shows.
+    property bool busy: false
     default property alias content: column.data
 
     function reset() {

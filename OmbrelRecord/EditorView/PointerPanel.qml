@@ -52,7 +52,7 @@ InspectorPanel {
             model: [
                 { value: "ripple", text: qsTr("Ripple"), tip: qsTr("A wave runs out from the click") },
                 { value: "ring", text: qsTr("Ring"), tip: qsTr("A ring closes round the click") },
-                { value: "spotlight", text: qsTr("Light"), tip: qsTr("A soft light around the click") },
+                { value: "spotlight", text: qsTr("Glow"), tip: qsTr("A soft light around the click") },
                 { value: "none", text: qsTr("None"), tip: qsTr("Clicks are not marked") }
             ]
         }

@@ -1,9 +1,9 @@
 #include "OmbrelRecord/EditorView/PreviewItem.h"
 
 #include "OmbrelRecord/EditorModel/PreviewPicture.h"
+#include "OmbrelRecord/Theme/PictureNode.h"
 
 #include <QtQuick/QQuickWindow>
-#include <QtQuick/QSGImageNode>
 #include <cmath>
 
 namespace OmbrelRecord {
@@ -102,23 +102,8 @@ void PreviewItem::itemChange(ItemChange change, const ItemChangeData& value) {
 }
 
 QSGNode* PreviewItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
-    auto* node = static_cast<QSGImageNode*>(old);
-    if (!source || source->image().isNull()) {
-        delete node;
-        return nullptr;
-    }
-    if (!node) {
-        node = window()->createImageNode();
-        node->setOwnsTexture(true);
-        stale = true;
-    }
-    if (stale) {
-        node->setTexture(window()->createTextureFromImage(source->image(), QQuickWindow::TextureIsOpaque));
-        stale = false;
-    }
-    node->setFiltering(QSGTexture::Linear);
-    node->setRect(pictureRect());
-    return node;
+    return PictureNode::show(*this, old, pictureRect(), stale,
+                             [this] { return source ? source->image() : QImage(); });
 }
 
 } // namespace OmbrelRecord

@@ -13,7 +13,7 @@ T.Popup {
     focus: true
     closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutside
     padding: Theme.xl
-    width: 720
+    width: Math.min(800, parent ? parent.width - 48 : 800)
     implicitHeight: contentItem.implicitHeight + topPadding + bottomPadding
     T.Overlay.modal: Rectangle { color: Theme.scrim }
     enter: Transition { NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Theme.quick } }
@@ -28,12 +28,13 @@ T.Popup {
         { title: qsTr("Playing"), keys: [
             [qsTr("Space"), qsTr("Play or pause")], ["J  K  L", qsTr("Back, stop, on; again for faster")],
             ["←  →", qsTr("One frame")], ["⇧ ←  ⇧ →", qsTr("One second")],
-            [qsTr("Home  End"), qsTr("To the beginning or end")]
+            [qsTr("Home  End"), qsTr("To the beginning or end")], ["?", qsTr("These keys")],
+            [qsTr("F2  Delete"), qsTr("Rename or delete a look")]
         ] },
         { title: qsTr("Editing"), keys: [
             ["I  O", qsTr("The film starts or ends here")], ["[  ]", qsTr("Select from or to here")],
             ["S", qsTr("Split")], [qsTr("Delete"), qsTr("Cut or remove what is selected")],
-            ["R", qsTr("Restore cuts in the selection")],
+            ["R", qsTr("Restore cuts in the selection")], [qsTr("Ctrl E"), qsTr("Export")],
             [qsTr("Ctrl Z"), qsTr("Undo")], [qsTr("Ctrl ⇧ Z"), qsTr("Redo")]
         ] },
         { title: qsTr("Timeline"), keys: [
@@ -129,8 +130,9 @@ T.Popup {
                                 }
                                 Label {
                                     anchors.left: parent.left
-                                    anchors.leftMargin: 124
+                                    anchors.leftMargin: 132
                                     anchors.right: parent.right
+                                    horizontalAlignment: Text.AlignLeft
                                     anchors.verticalCenter: parent.verticalCenter
                                     secondary: true
                                     text: entry.modelData[1]

@@ -40,7 +40,6 @@ Q_SIGNALS:
     void changed();
 
 private:
-
     QString wallpaper, backdrop, solid, file;
     double radius = 8;
     QColor line;

@@ -84,9 +84,12 @@ Item {
             anchors.verticalCenter: parent.verticalCenter
             objectName: "summary"
             font: Theme.strong
-            text: root.editor.skippedCount === 0 ? qsTr("Nothing skipped")
-                : root.editor.skippedCount === 1 ? qsTr("1 wait skipped")
-                : qsTr("%1 waits skipped").arg(root.editor.skippedCount)
+            readonly property int cuts: root.editor.interiorCuts.length
+            readonly property string skipped: root.editor.skippedCount === 1 ? qsTr("1 wait skipped")
+                : root.editor.skippedCount > 1 ? qsTr("%1 waits skipped").arg(root.editor.skippedCount) : ""
+            readonly property string cut: cuts === 1 ? qsTr("1 cut") : cuts > 1 ? qsTr("%1 cuts").arg(cuts) : ""
+            text: skipped.length > 0 && cut.length > 0 ? qsTr("%1 · %2").arg(skipped).arg(cut)
+                : skipped.length > 0 ? skipped : cut.length > 0 ? cut : qsTr("Nothing skipped")
         }
         Label {
             anchors.verticalCenter: parent.verticalCenter

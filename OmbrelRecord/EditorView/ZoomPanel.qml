@@ -45,7 +45,7 @@ InspectorPanel {
         Button {
             width: parent.width
             objectName: "aim"
-            iconName: "zoom-fit"
+            iconName: "zoom"
             checked: root.aiming
             text: root.aiming ? qsTr("Done aiming") : qsTr("Aim on the picture")
             tip: qsTr("Shows the whole screen; drag the frame to where the camera shall look")
@@ -57,6 +57,7 @@ InspectorPanel {
             kind: "danger"
             iconName: "trash"
             text: qsTr("Remove this zoom")
+            tip: qsTr("The camera does not go in here any more")
             focusPolicy: Qt.TabFocus
             onClicked: root.editor.deleteSelection()
         }

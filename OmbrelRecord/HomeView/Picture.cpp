@@ -1,9 +1,8 @@
 #include "OmbrelRecord/HomeView/Picture.h"
 
-#include <QtGui/QPainter>
-#include <QtGui/QPainterPath>
+#include "OmbrelRecord/Theme/PictureNode.h"
+
 #include <QtQuick/QQuickWindow>
-#include <QtQuick/QSGImageNode>
 
 namespace OmbrelRecord {
 
@@ -71,42 +70,11 @@ void Picture::itemChange(ItemChange change, const ItemChangeData& value) {
 }
 
 QSGNode* Picture::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
-    auto* node = static_cast<QSGImageNode*>(old);
-    const qreal ratio = window()->effectiveDevicePixelRatio();
-    const QSize pixels = (size() * ratio).toSize();
-    if (image.isNull() || pixels.isEmpty()) {
-        delete node;
-        return nullptr;
-    }
-    if (!node) {
-        node = window()->createImageNode();
-        node->setOwnsTexture(true);
-        stale = true;
-    }
-    if (stale) {
-        QImage drawn(pixels, QImage::Format_ARGB32_Premultiplied);
-        drawn.fill(Qt::transparent);
-        const QSizeF scaled =
-            QSizeF(image.size())
-                .scaled(QSizeF(pixels), complete ? Qt::KeepAspectRatio : Qt::KeepAspectRatioByExpanding);
-        const QRectF place((pixels.width() - scaled.width()) / 2, (pixels.height() - scaled.height()) / 2,
-                           scaled.width(), scaled.height());
-        QPainter painter(&drawn);
-        painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
-        QPainterPath shape;
-        shape.addRoundedRect(place & QRectF(drawn.rect()), corner * ratio, corner * ratio);
-        // A brush, not a clip: its edge is smooth.
-        QBrush brush(image.scaled(place.size().toSize(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
-                         .mirrored(asMirror, false));
-        brush.setTransform(QTransform::fromTranslate(place.x(), place.y()));
-        painter.fillPath(shape, brush);
-        painter.end();
-        node->setTexture(window()->createTextureFromImage(drawn, QQuickWindow::TextureHasAlphaChannel));
-        node->setFiltering(QSGTexture::Linear);
-        stale = false;
-    }
-    node->setRect(boundingRect());
-    return node;
+    return PictureNode::show(*this, old, boundingRect(), stale, [this] {
+        const qreal ratio = window()->effectiveDevicePixelRatio();
+        return PictureNode::fitted(image, (size() * ratio).toSize(),
+                                   {.radius = corner * ratio, .whole = complete, .mirrored = asMirror});
+    });
 }
 
 } // namespace OmbrelRecord

@@ -27,6 +27,8 @@ QFont Theme::font(int pixels, QFont::Weight weight) const {
     QFont font(family());
     font.setPixelSize(pixels);
     font.setWeight(weight);
+    // Small sizes leave the typeface's narrow space two pixels, too few to part words.
+    if (pixels <= 15) font.setWordSpacing(1);
     return font;
 }
 
