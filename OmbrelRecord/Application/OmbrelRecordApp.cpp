@@ -8,6 +8,9 @@
 
 #include <QtCore/QDebug>
 #include <QtCore/QFile>
+#include <QtCore/QLocale>
+#include <QtCore/QPointer>
+#include <QtCore/QTranslator>
 #include <QtCore/QtPlugin>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QIcon>
@@ -137,7 +140,17 @@ void OmbrelRecordApp::prepare() {
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
 }
 
+void OmbrelRecordApp::translate(const QLocale& locale) {
+    static QPointer<QTranslator> translator;
+    delete translator;
+    translator = new QTranslator(QCoreApplication::instance());
+    if (translator->load(locale, QStringLiteral("ombrel-record"), QStringLiteral("_"),
+                         QStringLiteral(":/translations")))
+        QCoreApplication::installTranslator(translator);
+}
+
 void OmbrelRecordApp::dress() {
+    translate(QLocale::system());
     Theme::loadFonts();
     QFont font(QStringLiteral("Plus Jakarta Sans"));
     font.setPixelSize(13);

@@ -12,6 +12,8 @@
 #include <memory>
 #include <string>
 
+class QLocale;
+
 namespace OmbrelRecord {
 
 class Theme;
@@ -26,6 +28,9 @@ public:
     static std::string missingDisplay();
     /// Called once, before the QGuiApplication is made: what it and Qt Quick must know from the beginning.
     static void prepare();
+    /// The interface in the language of a locale where there is a translation, else in English. `dress` takes
+    /// the desktop's.
+    static void translate(const QLocale& locale);
     /// Called once, when there is a QGuiApplication: its fonts, and how windows are drawn here.
     static void dress();
     /// Makes an engine able to load our views.

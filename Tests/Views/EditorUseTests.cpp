@@ -5,6 +5,7 @@
 #include "Tests/Views/EditorFixture.h"
 
 #include <QtCore/QElapsedTimer>
+#include <QtCore/QTemporaryDir>
 #include <QtGui/QAccessible>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QMouseEvent>
@@ -135,6 +136,25 @@ protected:
         return found;
     }
 
+    /// The look of that name in the panel of looks.
+    QQuickItem* tile(const char* name) {
+        QQuickItem* found = nullptr;
+        walk(window.contentItem(), [&](QQuickItem* item) {
+            if (item->property("pictures").isValid() &&
+                item->property("name").toString() == QLatin1String(name))
+                found = item;
+        });
+        return found;
+    }
+    static bool hasTip(const QQuickItem* item) {
+        if (!item->property("tip").toString().isEmpty()) return true;
+        for (const QQuickItem* child : item->childItems())
+            if (QByteArray(child->metaObject()->className()).startsWith("Tooltip") &&
+                !child->property("text").toString().isEmpty())
+                return true;
+        return false;
+    }
+
     EditorFixture fixture;
     QQmlEngine engine;
     std::unique_ptr<QObject> object;
@@ -188,28 +208,104 @@ TEST_F(EditorUse, TheKeyboardAloneReachesEverything) {
     EXPECT_TRUE(view->property("aim").toString().isEmpty());
 }
 
-TEST_F(EditorUse, EveryInteractiveItemHasAName) {
-    int seen = 0;
-    for (const char* panel : {"format", "background", "frame", "pointer", "zoom", "speed", "camera",
-                              "captions", "cards", "crop"}) {
-        view->setProperty("panel", QString::fromLatin1(panel));
-        turn();
+TEST_F(EditorUse, LooksAreChosenKeptRenamedAndDeleted) {
+    const QTemporaryDir settings;
+    const QByteArray before = qgetenv("XDG_CONFIG_HOME");
+    qputenv("XDG_CONFIG_HOME", settings.path().toUtf8());
+    // Made anew, over the settings of this test.
+    view->setProperty("panel", QStringLiteral("frame"));
+    click(shown(QStringLiteral("panel-looks")));
+    const Project plain = model().project();
+    click(tile("Paper"));
+    const Project paper = model().project();
+    EXPECT_EQ(paper.wallpaperPreset, "terrace-paper");
+    EXPECT_TRUE(tile("Paper")->property("checked").toBool());
+    key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(model().project(), plain) << "a look is one step";
+
+    EXPECT_FALSE(shown(QStringLiteral("keepLook"))) << "it has a name already";
+    model().set(QStringLiteral("padding"), 0.11);
+    settle();
+    ASSERT_TRUE(tabTo("lookName"));
+    for (const char letter : {'R', 'o', 'o', 'm'})
+        key(0, {}, QString(QLatin1Char(letter)));
+    key(Qt::Key_Return);
+    ASSERT_TRUE(tile("Room"));
+    EXPECT_TRUE(tile("Room")->property("checked").toBool());
+    click(tile("Ink"));
+    click(tile("Room"));
+    EXPECT_DOUBLE_EQ(model().project().padding, 0.11);
+
+    tile("Room")->forceActiveFocus(Qt::TabFocusReason);
+    key(Qt::Key_F2);
+    for (const char letter : {'W', 'i', 'd', 'e'})
+        key(0, {}, QString(QLatin1Char(letter)));
+    key(Qt::Key_Return);
+    ASSERT_TRUE(tile("Wide"));
+    EXPECT_FALSE(tile("Room"));
+    tile("Wide")->forceActiveFocus(Qt::TabFocusReason);
+    key(Qt::Key_Delete);
+    EXPECT_FALSE(tile("Wide"));
+    EXPECT_DOUBLE_EQ(model().project().padding, 0.11) << "the film keeps what it has";
+    click(shown(QStringLiteral("putBack")));
+    EXPECT_TRUE(tile("Wide"));
+    tile("Paper")->forceActiveFocus(Qt::TabFocusReason);
+    key(Qt::Key_Delete);
+    EXPECT_TRUE(tile("Paper")) << "the program's own stay";
+    qputenv("XDG_CONFIG_HOME", before);
+}
+
+TEST_F(EditorUse, EveryInteractiveItemHasANameAndATip) {
+    Project captioned = model().project();
+    captioned.captions = {{"one", 1, 1.5}, {"two", 1.5, 2}};
+    model().update(captioned);
+    int seen = 0, told = 0;
+    const auto check = [&](const char* where) {
         walk(window.contentItem(), [&](QQuickItem* item) {
             QAccessibleInterface* face = QAccessible::queryAccessibleInterface(item);
             const QAccessible::Role role = face ? face->role() : QAccessible::NoRole;
-            const bool interactive = item->activeFocusOnTab() || role == QAccessible::Button ||
-                                     role == QAccessible::CheckBox || role == QAccessible::RadioButton ||
-                                     role == QAccessible::Slider || role == QAccessible::EditableText ||
-                                     role == QAccessible::ComboBox || role == QAccessible::PageTab;
+            const bool operated = role == QAccessible::Button || role == QAccessible::CheckBox ||
+                                  role == QAccessible::RadioButton || role == QAccessible::Slider ||
+                                  role == QAccessible::EditableText || role == QAccessible::ComboBox ||
+                                  role == QAccessible::PageTab;
             // What only holds others is no stop of its own.
-            if (!interactive || item->inherits("QQuickFocusScope")) return;
+            if (!(operated || item->activeFocusOnTab()) || item->inherits("QQuickFocusScope")) return;
+            const auto about = [&] {
+                return std::string(where) + ": " + item->metaObject()->className() + " " +
+                       item->objectName().toStdString() + " \"" +
+                       (face ? face->text(QAccessible::Name).toStdString() : "") + "\"";
+            };
             ++seen;
-            EXPECT_TRUE(face && !face->text(QAccessible::Name).isEmpty())
-                << panel << ": " << item->metaObject()->className() << " " << item->objectName().toStdString()
-                << " at " << item->mapToScene({}).x() << ", " << item->mapToScene({}).y();
+            EXPECT_TRUE(face && !face->text(QAccessible::Name).isEmpty()) << "without a name, " << about();
+            if (!operated) return;
+            ++told;
+            // A tip of its own, or a line of explanation in sight.
+            EXPECT_TRUE(hasTip(item) || !item->property("detail").toString().isEmpty())
+                << "without a tip, " << about();
         });
+    };
+    for (const char* panel : {"looks", "format", "background", "frame", "pointer", "zoom", "speed", "camera",
+                              "captions", "cards", "crop"}) {
+        view->setProperty("panel", QString::fromLatin1(panel));
+        turn();
+        check(panel);
     }
-    EXPECT_GT(seen, 200);
+    model().setSpeed(1, 3, 4);
+    view->setProperty("panel", QStringLiteral("speed"));
+    settle();
+    check("a speed block");
+    model().addZoom(4, 6);
+    view->setProperty("panel", QStringLiteral("zoom"));
+    settle();
+    check("a zoom block");
+    model().selectRange(1, 2);
+    settle();
+    check("a range");
+    QMetaObject::invokeMethod(view->property("exportSheet").value<QObject*>(), "open");
+    until([&] { return shown(QStringLiteral("exportNow")) != nullptr; });
+    check("export");
+    EXPECT_GT(seen, 300);
+    EXPECT_GT(told, 250);
 }
 
 } // namespace

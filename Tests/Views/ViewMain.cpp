@@ -8,6 +8,8 @@
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("QT_QUICK_BACKEND", "software");
+    qputenv("LC_ALL", "C"); // texts are looked for in English
+    qunsetenv("LANGUAGE");
     qputenv("XDG_CONFIG_HOME", "/tmp/ombrel-record-tests-config");
     testing::InitGoogleTest(&argc, argv);
     OmbrelRecord::OmbrelRecordApp::prepare();

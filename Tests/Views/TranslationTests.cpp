@@ -1,0 +1,70 @@
+#include "OmbrelRecord/Application/OmbrelRecordApp.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QLocale>
+#include <QtCore/QRegularExpression>
+#include <QtCore/QXmlStreamReader>
+#include <gtest/gtest.h>
+
+namespace OmbrelRecord {
+namespace {
+
+const QString folder = QStringLiteral(OMBREL_SOURCE_DIR "/OmbrelRecord/Resources/translations");
+
+QStringList places(const QString& text) {
+    static const QRegularExpression place(QStringLiteral("%[0-9]"));
+    QStringList found;
+    for (auto each = place.globalMatch(text); each.hasNext();)
+        found.append(each.next().captured());
+    found.sort();
+    found.removeDuplicates();
+    return found;
+}
+
+TEST(Translations, SayEverythingAndKeepItsValues) {
+    const QStringList files = QDir(folder).entryList({QStringLiteral("*.ts")});
+    ASSERT_FALSE(files.isEmpty());
+    for (const QString& name : files) {
+        QFile file(folder + QLatin1Char('/') + name);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        QXmlStreamReader xml(&file);
+        QString source;
+        int texts = 0;
+        while (!xml.atEnd()) {
+            if (xml.readNext() != QXmlStreamReader::StartElement) continue;
+            if (xml.name() == QLatin1String("source")) source = xml.readElementText();
+            if (xml.name() != QLatin1String("translation")) continue;
+            const QString where = name + QStringLiteral(": ") + source;
+            EXPECT_TRUE(xml.attributes().value(QLatin1String("type")).isEmpty())
+                << where.toStdString() << " is not translated";
+            const QString text = xml.readElementText();
+            EXPECT_FALSE(text.trimmed().isEmpty()) << where.toStdString();
+            EXPECT_EQ(places(text), places(source)) << where.toStdString();
+            // Keys are parted by two spaces.
+            EXPECT_EQ(text.count(QLatin1String("  ")), source.count(QLatin1String("  ")))
+                << where.toStdString();
+            ++texts;
+        }
+        EXPECT_FALSE(xml.hasError()) << xml.errorString().toStdString();
+        EXPECT_GT(texts, 400) << name.toStdString();
+    }
+}
+
+TEST(Translations, FollowTheLanguageOfTheDesktop) {
+    if (!QFile::exists(QStringLiteral(":/translations/ombrel-record_de.qm")))
+        GTEST_SKIP() << "built without translations";
+    const auto said = [](const char* context, const char* text) {
+        return QCoreApplication::translate(context, text);
+    };
+    OmbrelRecordApp::translate(QLocale(QLocale::German, QLocale::Austria));
+    EXPECT_EQ(said("ExportSheet", "Your film is ready"), QStringLiteral("Ihr Film ist fertig"));
+    EXPECT_EQ(said("OmbrelRecord::LookPresets", "My look"), QStringLiteral("Mein Stil"));
+    EXPECT_EQ(said("LookPresets", "Paper"), QStringLiteral("Papier"));
+    OmbrelRecordApp::translate(QLocale::c());
+    EXPECT_EQ(said("ExportSheet", "Your film is ready"), QStringLiteral("Your film is ready"));
+}
+
+} // namespace
+} // namespace OmbrelRecord
