@@ -9,6 +9,7 @@
 #include <QtGui/QImage>
 #include <QtQml/QQmlComponent>
 #include <QtQml/QQmlEngine>
+#include <QtQml/QQmlProperty>
 #include <QtQuick/QQuickItem>
 #include <QtQuick/QQuickWindow>
 #include <memory>
@@ -32,6 +33,12 @@ std::string picture(QQmlEngine& engine, const Snapshot::View& view, const QStrin
     auto* item = qobject_cast<QQuickItem*>(object.get());
     if (!item) return view.name.toStdString() + ": " + component.errorString().toStdString();
 
+    // As the main window mirrors itself where text runs from right to left (-reverse).
+    if (QGuiApplication::isRightToLeft()) {
+        QQmlProperty(item, QStringLiteral("LayoutMirroring.enabled"), qmlContext(item)).write(true);
+        QQmlProperty(item, QStringLiteral("LayoutMirroring.childrenInherit"), qmlContext(item)).write(true);
+    }
+
     QQuickWindow window;
     window.setColor(Qt::transparent);
     window.resize(view.size);
@@ -47,12 +54,12 @@ std::string picture(QQmlEngine& engine, const Snapshot::View& view, const QStrin
         // Longer than anything in the interface moves.
         turn(300);
         ready = !view.ready || view.ready(*item);
-    } while (!ready && clock.elapsed() < 10000);
+    } while (!ready && clock.elapsed() < 60000);
     const QImage image = window.grabWindow();
     item->setParentItem(nullptr);
     if (image.isNull() || !image.save(file, "PNG"))
         return view.name.toStdString() + ": cannot write " + file.toStdString();
-    return ready ? std::string() : view.name.toStdString() + ": not complete after ten seconds";
+    return ready ? std::string() : view.name.toStdString() + ": not complete after a minute";
 }
 
 } // namespace

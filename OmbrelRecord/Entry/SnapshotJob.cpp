@@ -7,6 +7,7 @@
 #include "RecordCore/Model/RecordingFiles.h"
 
 #include <QtCore/QTemporaryDir>
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <fmt/format.h>
@@ -52,6 +53,11 @@ void Jobs::snapshot(const fs::path& folder, const fs::path& video) {
         std::vector<Snapshot::View> views = StillLife::views(session.media(), video);
         for (Snapshot::View& view : EditorSnapshots::views(editor))
             views.push_back(std::move(view));
+        // SNAPSHOT_ONLY narrows it to views whose names hold that text.
+        if (const QString only = qEnvironmentVariable("SNAPSHOT_ONLY"); !only.isEmpty())
+            views.erase(std::remove_if(views.begin(), views.end(),
+                                       [&](const Snapshot::View& view) { return !view.name.contains(only); }),
+                        views.end());
         for (const std::string& problem : Snapshot::write(views, folder))
             fmt::print(stderr, "ombrel-record: {}\n", problem);
     } catch (const std::exception& error) {
