@@ -8,7 +8,7 @@ need() {
     local tool
     for tool in "$@"; do
         command -v "$tool" >/dev/null || {
-            echo "$tool is missing; Scripts/demo builds the program, apt-get install ffmpeg jq time the others" >&2
+            echo "$tool is missing; Scripts/demo builds the program, Scripts/bootstrap measure installs the others" >&2
             exit 1
         }
     done
