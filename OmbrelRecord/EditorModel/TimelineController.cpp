@@ -162,63 +162,17 @@ void TimelineController::seekSource(double source) {
 
 // What there is.
 
-double TimelineController::shortest(Zone lane) {
-    return lane == Zone::Zoom ? ProjectEditing::shortestZoomBlock : ProjectEditing::shortestSpeedBlock;
+TimelineLanes TimelineController::lanes() const {
+    return TimelineLanes(*model);
 }
 
-std::vector<TimeRange> TimelineController::ranges(Zone lane) const {
-    std::vector<TimeRange> list;
-    if (!model) return list;
-    const auto collect = [&list](const auto& blocks) {
-        list.reserve(blocks.size());
-        for (const auto& block : blocks)
-            list.push_back({block.start, block.end});
-    };
-    if (lane == Zone::Speed) collect(model->speedBlocks());
-    if (lane == Zone::Zoom) collect(model->zoomBlocks());
-    return list;
-}
-
-Uuid TimelineController::idAt(Zone lane, std::size_t index) const {
-    return lane == Zone::Speed ? model->speedBlocks()[index].id : model->zoomBlocks()[index].id;
-}
-
-std::optional<std::size_t> TimelineController::selectedIndex(Zone lane) const {
-    if (!model) return std::nullopt;
-    const auto find = [](const auto& blocks, const Uuid& id) -> std::optional<std::size_t> {
-        for (std::size_t i = 0; i < blocks.size(); ++i)
-            if (blocks[i].id == id) return i;
-        return std::nullopt;
-    };
-    if (const auto* speed = std::get_if<EditorModel::Selection::Speed>(&model->selection());
-        speed && lane == Zone::Speed)
-        return find(model->speedBlocks(), speed->id);
-    if (const auto* zoom = std::get_if<EditorModel::Selection::Zoom>(&model->selection());
-        zoom && lane == Zone::Zoom)
-        return find(model->zoomBlocks(), zoom->id);
-    return std::nullopt;
+TimelineLanes::Lane TimelineController::laneOf(Zone zone) {
+    return zone == Zone::Speed ? TimelineLanes::Lane::speed : TimelineLanes::Lane::zoom;
 }
 
 std::optional<Held> TimelineController::blockAt(Zone lane, double x) const {
-    return TimelineEditing::blockAt(ranges(lane), view, x, selectedIndex(lane));
-}
-
-void TimelineController::selectBlock(Zone lane, const Uuid& id) {
-    if (lane == Zone::Speed)
-        model->select(EditorModel::Selection::Speed{id});
-    else
-        model->select(EditorModel::Selection::Zoom{id});
-}
-
-void TimelineController::setBlock(Zone lane, const Uuid& id, const TimeRange& range) {
-    const auto place = [&range](auto& block) {
-        block.start = range.start;
-        block.end = range.end;
-    };
-    if (lane == Zone::Speed)
-        model->editSpeed(id, place);
-    else
-        model->editZoom(id, place);
+    return TimelineEditing::blockAt(lanes().ranges(laneOf(lane)), view, x,
+                                    lanes().selectedIndex(laneOf(lane)));
 }
 
 void TimelineController::add(Zone lane, const TimeRange& range) {
@@ -228,34 +182,10 @@ void TimelineController::add(Zone lane, const TimeRange& range) {
         model->addZoom(range);
 }
 
-std::optional<TimeRange> TimelineController::gapAt(Zone lane, double time) const {
-    TimeRange gap{0, model->duration()};
-    for (const TimeRange& block : ranges(lane)) {
-        if (block.contains(time)) return std::nullopt;
-        if (block.end <= time) gap.start = std::max(gap.start, block.end);
-        if (block.start > time) gap.end = std::min(gap.end, block.start);
-    }
-    return gap;
-}
-
-std::optional<TimeRange> TimelineController::cutAt(double time) const {
-    for (const TimeRange& cut : model->interiorCuts())
-        if (cut.contains(time)) return cut;
-    return std::nullopt;
-}
-
-double TimelineController::filmStart() const {
-    return std::clamp(model->project().trimStart, 0.0, model->duration());
-}
-
-double TimelineController::filmEnd() const {
-    return std::clamp(model->project().trimEnd.value_or(model->duration()), 0.0, model->duration());
-}
-
 int TimelineController::trimAt(double x) const {
     if (!model) return 0;
-    const double left = view.x(filmStart()) - x;
-    const double right = x - view.x(filmEnd());
+    const double left = view.x(lanes().filmStart()) - x;
+    const double right = x - view.x(lanes().filmEnd());
     // The handles stand outside of what is kept: inside, the film itself is meant.
     if (left > -3 && left < trimReach + 3) return -1;
     if (right > -3 && right < trimReach + 3) return 1;
@@ -271,32 +201,6 @@ std::optional<Grip> TimelineController::rangeEdgeAt(double x) const {
     return left < right ? Grip::start : Grip::end;
 }
 
-TimelineEditing::SnapPoints TimelineController::snapPoints(const std::optional<Uuid>& except,
-                                                           bool playhead) const {
-    std::vector<double> times{0, model->duration(), filmStart(), filmEnd()};
-    if (playhead) times.push_back(model->sourceTime());
-    const auto edges = [&](const auto& blocks) {
-        for (const auto& block : blocks) {
-            if (except && block.id == *except) continue;
-            times.push_back(block.start);
-            times.push_back(block.end);
-        }
-    };
-    edges(model->speedBlocks());
-    edges(model->zoomBlocks());
-    for (const TimeRange& cut : model->interiorCuts()) {
-        times.push_back(cut.start);
-        times.push_back(cut.end);
-    }
-    for (const double split : model->project().splits)
-        times.push_back(split);
-    if (model->recording().log)
-        for (const InputLog::Event& event : model->recording().log->events)
-            if (event.kind == InputLog::Event::Kind::click || event.kind == InputLog::Event::Kind::rightClick)
-                times.push_back(event.t);
-    return TimelineEditing::SnapPoints(std::move(times));
-}
-
 // The pointer.
 
 void TimelineController::hover(double x, double y) {
@@ -308,7 +212,7 @@ void TimelineController::hover(double x, double y) {
     if (zone == Zone::Speed || zone == Zone::Zoom) {
         const auto held = blockAt(zone, x);
         if (held) {
-            block = idAt(zone, held->index);
+            block = lanes().idAt(laneOf(zone), held->index);
             over = held->grip == Grip::body ? Qt::OpenHandCursor : Qt::SizeHorCursor;
         } else {
             over = Qt::CrossCursor;
@@ -360,24 +264,25 @@ void TimelineController::press(double x, double y, bool extend) {
     }
     if (zone == Zone::Speed || zone == Zone::Zoom) {
         if (const auto held = blockAt(zone, x)) {
-            const std::vector<TimeRange> blocks = ranges(zone);
+            const std::vector<TimeRange> blocks = lanes().ranges(laneOf(zone));
             begun.doing = Doing::block;
-            begun.id = idAt(zone, held->index);
+            begun.id = lanes().idAt(laneOf(zone), held->index);
             begun.grip = held->grip;
             begun.before = begun.range = blocks[held->index];
-            begun.limits = TimelineEditing::limitsOf(blocks, held->index, model->duration(), shortest(zone));
-            begun.points = snapPoints(begun.id);
+            begun.limits = TimelineEditing::limitsOf(blocks, held->index, model->duration(),
+                                                     TimelineLanes::shortest(laneOf(zone)));
+            begun.points = lanes().snapPoints(begun.id);
             drag = std::move(begun);
             model->beginGesture();
-            selectBlock(zone, drag->id);
+            lanes().selectBlock(laneOf(zone), drag->id);
             if (drag->grip == Grip::body) shape = Qt::ClosedHandCursor;
             Q_EMIT hoverChanged();
             return;
         }
         begun.doing = Doing::drawing;
-        begun.points = snapPoints(std::nullopt);
+        begun.points = lanes().snapPoints(std::nullopt);
         begun.range = {begun.pressTime, begun.pressTime};
-        if (const auto gap = gapAt(zone, begun.pressTime)) begun.before = *gap;
+        if (const auto gap = lanes().gapAt(laneOf(zone), begun.pressTime)) begun.before = *gap;
         drag = std::move(begun);
         return;
     }
@@ -385,7 +290,7 @@ void TimelineController::press(double x, double y, bool extend) {
     const auto edge = rangeEdgeAt(x);
     if (trim) {
         begun.doing = trim < 0 ? Doing::trimStart : Doing::trimEnd;
-        begun.before = begun.range = {filmStart(), filmEnd()};
+        begun.before = begun.range = {lanes().filmStart(), lanes().filmEnd()};
         model->beginGesture();
     } else if (edge || (extend && std::holds_alternative<TimeRange>(model->selection()))) {
         const TimeRange range = std::get<TimeRange>(model->selection());
@@ -401,7 +306,7 @@ void TimelineController::press(double x, double y, bool extend) {
         begun.doing = Doing::range;
         begun.range = {begun.pressTime, begun.pressTime};
     }
-    begun.points = snapPoints(std::nullopt);
+    begun.points = lanes().snapPoints(std::nullopt);
     drag = std::move(begun);
     if (extend) move(x, y);
 }
@@ -463,7 +368,7 @@ void TimelineController::move(double x, double y, bool free) {
                                                     drag->limits, drag->points, reach);
         drag->snapped = moved.at;
         drag->range = moved.range;
-        setBlock(drag->lane, drag->id, moved.range);
+        lanes().setBlock(laneOf(drag->lane), drag->id, moved.range);
         break;
     }
     case Doing::drawing: {
@@ -493,14 +398,14 @@ void TimelineController::release() {
             model->endGesture();
             break;
         case Doing::drawing:
-            if (done.moved && done.range.length() >= shortest(done.lane))
+            if (done.moved && done.range.length() >= TimelineLanes::shortest(laneOf(done.lane)))
                 add(done.lane, done.range);
             else if (!done.moved)
                 model->selectNothing();
             break;
         case Doing::range:
             if (done.moved) break;
-            if (const auto cut = cutAt(done.pressTime))
+            if (const auto cut = lanes().cutAt(done.pressTime))
                 model->selectRange(cut->start, cut->end);
             else
                 model->selectNothing();
@@ -540,10 +445,10 @@ void TimelineController::doubleClick(double x, double y) {
     if (blockAt(zone, x)) return;
     drag.reset(); // of the second press; nothing was drawn yet
     const double time = view.timeInside(x);
-    const auto gap = gapAt(zone, time);
+    const auto gap = lanes().gapAt(laneOf(zone), time);
     if (!gap) return;
     const double length = std::min(zone == Zone::Speed ? newSpeedSeconds : newZoomSeconds, gap->length());
-    if (length < shortest(zone)) return;
+    if (length < TimelineLanes::shortest(laneOf(zone))) return;
     const double start = std::clamp(time - length / 2, gap->start, gap->end - length);
     add(zone, {start, start + length});
 }
@@ -578,15 +483,15 @@ QRectF TimelineController::selectionRect() const {
     if (const auto* range = std::get_if<TimeRange>(&model->selection()))
         return rect(*range, row(Zone::Film).y, row(Zone::Activity).bottom() - row(Zone::Film).y);
     for (const Zone lane : {Zone::Speed, Zone::Zoom})
-        if (const auto index = selectedIndex(lane))
-            return rect(ranges(lane)[*index], row(lane).y, row(lane).height);
+        if (const auto index = lanes().selectedIndex(laneOf(lane)))
+            return rect(lanes().ranges(laneOf(lane))[*index], row(lane).y, row(lane).height);
     return {};
 }
 
 QString TimelineController::selectionKind() const {
     if (!model || selectionRect().isEmpty()) return QStringLiteral("none");
     if (std::holds_alternative<TimeRange>(model->selection())) return QStringLiteral("range");
-    return selectedIndex(Zone::Speed) ? QStringLiteral("speed") : QStringLiteral("zoom");
+    return lanes().selectedIndex(laneOf(Zone::Speed)) ? QStringLiteral("speed") : QStringLiteral("zoom");
 }
 
 QString TimelineController::selectionText() const {
@@ -596,11 +501,11 @@ QString TimelineController::selectionText() const {
     };
     if (const auto* range = std::get_if<TimeRange>(&model->selection()))
         return tr("Selected range, %1").arg(span(range->start, range->end));
-    if (const auto index = selectedIndex(Zone::Speed)) {
+    if (const auto index = lanes().selectedIndex(laneOf(Zone::Speed))) {
         const SpeedBlock& block = model->speedBlocks()[*index];
         return tr("Speed block, %1, %2").arg(speedText(block.speed), span(block.start, block.end));
     }
-    if (const auto index = selectedIndex(Zone::Zoom)) {
+    if (const auto index = lanes().selectedIndex(laneOf(Zone::Zoom))) {
         const ZoomBlock& block = model->zoomBlocks()[*index];
         return tr("Zoom block, %1, %2").arg(speedText(block.zoom), span(block.start, block.end));
     }
@@ -618,10 +523,10 @@ bool TimelineController::selectionRestorable() const {
 
 bool TimelineController::selectNeighbour(Zone lane, int direction) {
     if (!model) return false;
-    const std::vector<TimeRange> blocks = ranges(lane);
+    const std::vector<TimeRange> blocks = lanes().ranges(laneOf(lane));
     if (blocks.empty()) return false;
     std::size_t next = 0;
-    if (const auto now = selectedIndex(lane)) {
+    if (const auto now = lanes().selectedIndex(laneOf(lane))) {
         if (direction < 0 ? *now == 0 : *now + 1 == blocks.size()) return false;
         next = direction < 0 ? *now - 1 : *now + 1;
     } else {
@@ -632,7 +537,7 @@ bool TimelineController::selectNeighbour(Zone lane, int direction) {
         next = after == blocks.end() ? blocks.size() - 1 : static_cast<std::size_t>(after - blocks.begin());
         if (direction < 0 && next > 0 && blocks[next].start > time) --next;
     }
-    selectBlock(lane, idAt(lane, next));
+    lanes().selectBlock(laneOf(lane), lanes().idAt(laneOf(lane), next));
     setScale(view.revealing(blocks[next].start));
     return true;
 }
@@ -647,18 +552,19 @@ void TimelineController::nudge(double seconds, int edge) {
         return;
     }
     for (const Zone lane : {Zone::Speed, Zone::Zoom})
-        if (const auto index = selectedIndex(lane)) {
-            const std::vector<TimeRange> blocks = ranges(lane);
-            const auto limits = TimelineEditing::limitsOf(blocks, *index, model->duration(), shortest(lane));
+        if (const auto index = lanes().selectedIndex(laneOf(lane))) {
+            const std::vector<TimeRange> blocks = lanes().ranges(laneOf(lane));
+            const auto limits = TimelineEditing::limitsOf(blocks, *index, model->duration(),
+                                                          TimelineLanes::shortest(laneOf(lane)));
             const auto moved = TimelineEditing::dragged(blocks[*index], grip, seconds, limits, {}, 0);
-            setBlock(lane, idAt(lane, *index), moved.range);
+            lanes().setBlock(laneOf(lane), lanes().idAt(laneOf(lane), *index), moved.range);
             return;
         }
 }
 
 void TimelineController::step(int direction) {
     if (!model) return;
-    if (const auto index = selectedIndex(Zone::Speed)) {
+    if (const auto index = lanes().selectedIndex(laneOf(Zone::Speed))) {
         const SpeedBlock block = model->speedBlocks()[*index];
         double next = block.speed;
         if (direction > 0) {
@@ -675,7 +581,7 @@ void TimelineController::step(int direction) {
             if (changed.speed != next) changed.reason = SpeedSegment::Reason::manual;
             changed.speed = next;
         });
-    } else if (const auto zoom = selectedIndex(Zone::Zoom)) {
+    } else if (const auto zoom = lanes().selectedIndex(laneOf(Zone::Zoom))) {
         const ZoomBlock block = model->zoomBlocks()[*zoom];
         const double next = std::clamp(std::round((block.zoom + direction * 0.1) * 10) / 10, 1.0, 4.0);
         model->editZoom(block.id, [next](ZoomBlock& changed) { changed.zoom = next; });
@@ -685,10 +591,10 @@ void TimelineController::step(int direction) {
 void TimelineController::addAtPlayhead(Zone lane) {
     if (!model) return;
     const double time = model->sourceTime();
-    const auto gap = gapAt(lane, time);
+    const auto gap = lanes().gapAt(laneOf(lane), time);
     if (!gap) return;
     const double length = std::min(lane == Zone::Speed ? newSpeedSeconds : newZoomSeconds, gap->length());
-    if (length < shortest(lane)) return;
+    if (length < TimelineLanes::shortest(laneOf(lane))) return;
     const double start = std::min(time, gap->end - length);
     add(lane, {start, start + length});
 }

@@ -2,6 +2,7 @@
 
 #include "OmbrelRecord/EditorModel/EditorModel.h"
 #include "OmbrelRecord/EditorModel/TimelineEditing.h"
+#include "OmbrelRecord/EditorModel/TimelineLanes.h"
 #include "OmbrelRecord/EditorModel/TimelineScale.h"
 
 #include <QtCore/QObject>
@@ -171,22 +172,12 @@ private:
     void setScale(const TimelineScale& scale);
     void playheadChanged();
     void seekSource(double source);
-    std::vector<RecordCore::TimeRange> ranges(Zone lane) const;
+    TimelineLanes lanes() const; ///< there is an editor
+    static TimelineLanes::Lane laneOf(Zone zone);
     std::optional<TimelineEditing::Held> blockAt(Zone lane, double x) const;
-    RecordCore::Uuid idAt(Zone lane, std::size_t index) const;
-    std::optional<std::size_t> selectedIndex(Zone lane) const;
-    void selectBlock(Zone lane, const RecordCore::Uuid& id);
-    void setBlock(Zone lane, const RecordCore::Uuid& id, const RecordCore::TimeRange& range);
     void add(Zone lane, const RecordCore::TimeRange& range);
-    std::optional<RecordCore::TimeRange> gapAt(Zone lane, double time) const;
-    std::optional<RecordCore::TimeRange> cutAt(double time) const;
-    double filmStart() const;
-    double filmEnd() const;
     int trimAt(double x) const;
     std::optional<TimelineEditing::Grip> rangeEdgeAt(double x) const;
-    TimelineEditing::SnapPoints snapPoints(const std::optional<RecordCore::Uuid>& except,
-                                           bool playhead = true) const;
-    static double shortest(Zone lane);
 
     QPointer<EditorModel> model;
     TimelineScale view;
