@@ -5,6 +5,7 @@
 
 #include <QtQuick/QQuickWindow>
 #include <cmath>
+#include <utility>
 
 namespace OmbrelRecord {
 
@@ -24,7 +25,10 @@ void PreviewItem::setEditor(EditorModel* editor) {
         connect(source, &PreviewPicture::changed, this, [this] {
             stale = true;
             update();
-            Q_EMIT readyChanged();
+        });
+        // The frame that stood in may turn out to be the right one: another picture does not follow then.
+        connect(source, &PreviewPicture::placed, this, [this] {
+            if (std::exchange(wasReady, ready()) != wasReady) Q_EMIT readyChanged();
         });
         connect(source, &PreviewPicture::aspectChanged, this, [this] {
             tellSize();
@@ -32,6 +36,7 @@ void PreviewItem::setEditor(EditorModel* editor) {
         });
     }
     stale = true;
+    wasReady = ready();
     tellSize();
     update();
     Q_EMIT editorChanged();

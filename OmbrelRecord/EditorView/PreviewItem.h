@@ -52,6 +52,7 @@ private:
     QPointer<EditorModel> model;
     QPointer<PreviewPicture> source;
     bool stale = true;
+    bool wasReady = false;
 };
 
 } // namespace OmbrelRecord

@@ -4,6 +4,7 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtQuick/QQuickWindow>
+#include <QtTest/QSignalSpy>
 #include <gtest/gtest.h>
 
 namespace OmbrelRecord {
@@ -67,6 +68,13 @@ TEST(PreviewItem, ShowsPicturesPixelByPixelInTheirShape) {
     picture->show(next, 2, false, {QRectF(0.1, 0.1, 0.8, 0.8), {0, 0, 0.5, 0.5}, crop});
     EXPECT_FALSE(item.ready());
     EXPECT_EQ(window.grabWindow().convertToFormat(QImage::Format_RGB32).copy(0, 59, 500, 282), next);
+    // What stood in was the right one all the time: no other picture follows, yet it is told.
+    QSignalSpy told(&item, &PreviewItem::readyChanged);
+    picture->show(next, 2, true, picture->placement());
+    EXPECT_TRUE(item.ready());
+    EXPECT_EQ(told.count(), 1);
+    picture->show(next, 2.1, true, picture->placement());
+    EXPECT_EQ(told.count(), 1) << "not with every moment that is played";
 
     // The upper left corner of the window shows that of the crop, the middle of it a quarter of the crop.
     const QPointF corner(50, 59 + 28.2);
