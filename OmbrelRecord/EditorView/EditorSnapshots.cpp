@@ -1,10 +1,16 @@
 #include "OmbrelRecord/EditorView/EditorSnapshots.h"
 
+#include "OmbrelRecord/EditorModel/ExportQueue.h"
 #include "OmbrelRecord/EditorModel/TimelineController.h"
 #include "OmbrelRecord/EditorView/Swatch.h"
+#include "RecordCore/Model/RecordingError.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtQuick/QQuickItem>
 #include <algorithm>
+#include <chrono>
+#include <thread>
+#include <tuple>
 
 namespace OmbrelRecord::EditorSnapshots {
 
@@ -21,6 +27,18 @@ TimelineController* handOf(QQuickItem& view) {
 
 void openSheet(QQuickItem& view, const char* sheet) {
     if (auto* popup = view.property(sheet).value<QObject*>()) QMetaObject::invokeMethod(popup, "open");
+}
+
+ExportQueue* queueOf(QQuickItem& view) {
+    auto* sheet = view.property("exportSheet").value<QObject*>();
+    return sheet ? sheet->property("queue").value<ExportQueue*>() : nullptr;
+}
+
+/// What the picture before left running is over.
+void endExport(EditorModel& editor) {
+    editor.cancelExport();
+    while (editor.exportState() == EditorModel::ExportState::working)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 10);
 }
 
 } // namespace
@@ -40,6 +58,7 @@ std::vector<Snapshot::View> views(EditorModel& model) {
         view.properties = {{QStringLiteral("editor"), QVariant::fromValue(editor)},
                            {QStringLiteral("panel"), panel}};
         view.arrange = [editor, project, at, arrange](QQuickItem& item) {
+            endExport(*editor);
             editor->selectNothing();
             editor->update(project);
             editor->seek(editor->outputTime(at));
@@ -115,7 +134,34 @@ std::vector<Snapshot::View> views(EditorModel& model) {
         [](QQuickItem& item) { openSheet(item, "shortcutsSheet"); });
     add(QStringLiteral("export"), given, QStringLiteral("frame"), length * 0.3,
         [](QQuickItem& item) { openSheet(item, "exportSheet"); });
+    // Its sheet in the other states.
+    for (const auto& [name, rate, state] : {std::tuple("export-working", 60, ExportQueue::State::Working),
+                                            std::tuple("export-done", 30, ExportQueue::State::Done),
+                                            std::tuple("export-failed", 24, ExportQueue::State::Failed)}) {
+        add(QLatin1String(name), given, QStringLiteral("frame"), length * 0.3,
+            [rate = rate](QQuickItem& item) {
+                openSheet(item, "exportSheet");
+                if (ExportQueue* queue = queueOf(item))
+                    queue->start({QStringLiteral("16:9"), QStringLiteral("9:16")}, 1, rate);
+            });
+        list.back().ready = [ready = list.back().ready, state = state](QQuickItem& item) {
+            const ExportQueue* queue = queueOf(item);
+            return ready(item) && queue && queue->state() == state &&
+                   (state != ExportQueue::State::Working || queue->progress() > 0);
+        };
+    }
     return list;
+}
+
+void exportStill(const ExportJob& job, const std::function<void(double)>& progress,
+                 const std::atomic<bool>& cancel) {
+    using namespace std::chrono_literals;
+    if (job.options.fps == 30) return;
+    if (job.options.fps == 24) throw RecordingError(job.destination.string() + ": No space left on device");
+    progress(0.42);
+    while (!cancel)
+        std::this_thread::sleep_for(10ms);
+    throw RecordingError("cancelled");
 }
 
 } // namespace OmbrelRecord::EditorSnapshots

@@ -47,9 +47,11 @@ void Jobs::snapshot(const fs::path& folder, const fs::path& video) {
         AppSession session;
         std::optional<InputLog> log;
         if (fs::exists(files.input())) log = InputLog::load(files.input());
+        EditorParts parts = session.editorParts();
+        parts.exportFilm = EditorSnapshots::exportStill;
         EditorModel editor(
             OpenedRecording::open(session.media(), files.video(), std::move(log), files.folder),
-            session.editorParts());
+            std::move(parts));
         std::vector<Snapshot::View> views = StillLife::views(session.media(), video);
         for (Snapshot::View& view : EditorSnapshots::views(editor))
             views.push_back(std::move(view));
