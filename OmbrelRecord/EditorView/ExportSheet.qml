@@ -209,7 +209,8 @@ T.Popup {
 
                         Icon {
                             id: sign
-                            x: Theme.m
+                            anchors.left: parent.left
+                            anchors.leftMargin: Theme.m
                             anchors.verticalCenter: parent.verticalCenter
                             name: film.modelData.state === "done" ? "check" : film.modelData.state === "failed" ? "warning"
                                 : root.formats.find(each => each.value === film.modelData.format)?.icon ?? "film"
@@ -287,7 +288,7 @@ T.Popup {
                 }
                 Label {
                     width: parent.width
-                    wrapMode: Text.WordWrap
+                    wrapMode: Text.Wrap
                     font: Theme.tiny
                     secondary: true
                     text: queue.failure

@@ -39,6 +39,7 @@ FocusScope {
 
     Loader {
         id: loader
+        anchors.left: parent.left
         width: parent.width - rail.width
         height: parent.height
         sourceComponent: ({

@@ -174,7 +174,7 @@ T.AbstractButton {
             MenuItem { text: qsTr("Replace with the film's look"); iconName: "save"; onTriggered: root.replaceWanted() }
             MenuSeparator {}
             MenuItem {
-                text: qsTr("Delete"); iconName: "trash"; keys: qsTr("Delete"); danger: true
+                text: qsTr("Delete"); iconName: "trash"; keys: qsTr("Del"); danger: true
                 onTriggered: root.deleteWanted()
             }
         }

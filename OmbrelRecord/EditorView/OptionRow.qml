@@ -34,7 +34,8 @@ T.AbstractButton {
     contentItem: Item {
         Icon {
             id: sign
-            x: Theme.m
+            anchors.left: parent.left
+            anchors.leftMargin: Theme.m
             anchors.verticalCenter: parent.verticalCenter
             name: root.iconName
             size: 22

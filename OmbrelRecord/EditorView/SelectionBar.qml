@@ -54,7 +54,7 @@ Rectangle {
             iconName: "cut"
             text: qsTr("Cut")
             tip: qsTr("Take this stretch out of the film")
-            keys: "Del"
+            keys: qsTr("Del")
             onClicked: root.hand.cutSelection()
         }
         Action {
@@ -116,13 +116,13 @@ Rectangle {
             visible: root.block !== null
             iconName: "trash"
             tip: root.kind === "speed" ? qsTr("Play this stretch as it was recorded") : qsTr("Remove this zoom")
-            keys: "Del"
+            keys: qsTr("Del")
             onClicked: root.editor.deleteSelection()
         }
         Action {
             iconName: "close"
             tip: qsTr("Clear the selection")
-            keys: "Esc"
+            keys: qsTr("Esc")
             onClicked: root.editor.selectNothing()
         }
     }

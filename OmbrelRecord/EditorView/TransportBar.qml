@@ -106,7 +106,10 @@ Item {
         anchors.verticalCenter: parent ? parent.verticalCenter : undefined
     }
 
+    // As on every player, in every language.
     Row {
+        LayoutMirroring.enabled: false
+        LayoutMirroring.childrenInherit: true
         anchors.centerIn: parent
         spacing: 2
 

@@ -468,6 +468,7 @@ FocusScope {
 
         Label {
             id: heading
+            anchors.left: parent.left
             text: root.empty ? qsTr("How a film comes about") : qsTr("Recent recordings")
             font: Theme.lead
         }
@@ -489,7 +490,6 @@ FocusScope {
             }
             visible: !root.empty
             orientation: ListView.Horizontal
-            layoutDirection: Application.layoutDirection
             spacing: Theme.l
             model: root.app.recents
             clip: true

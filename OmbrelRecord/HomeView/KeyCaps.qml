@@ -10,6 +10,8 @@ Row {
     property color ink: Theme.secondary
     property color edge: Theme.outline
 
+    // Keys are held from left to right in every language.
+    LayoutMirroring.enabled: false
     spacing: 4
     Accessible.role: Accessible.StaticText
     Accessible.name: keys

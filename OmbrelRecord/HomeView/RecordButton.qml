@@ -51,7 +51,9 @@ T.Button {
     }
     background: Rectangle {
         radius: Theme.radiusL
-        color: control.enabled ? Theme.recordFill : Theme.raised
+        color: control.enabled ? Theme.recordFill : Theme.sunken
+        border.width: control.enabled ? 0 : 1
+        border.color: Theme.line
 
         Rectangle {
             anchors.fill: parent

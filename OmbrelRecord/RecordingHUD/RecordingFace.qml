@@ -41,7 +41,7 @@ Rectangle {
             color: Theme.record
         }
     }
-    Digits {
+    TimeText {
         id: time
         anchors { left: lamp.right; leftMargin: 14; top: parent.top; topMargin: 16 }
         text: root.app.elapsedText

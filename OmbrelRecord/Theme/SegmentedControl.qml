@@ -89,6 +89,8 @@ T.Control {
                             visible: segment.text.length > 0
                             text: segment.text
                             textFormat: Text.PlainText
+                            elide: Text.ElideRight
+                            width: Math.min(implicitWidth, segment.width - 6 - (segment.modelData.icon ? 26 : 0))
                             font: Theme.strong
                             color: segment.current || segment.hovered ? Theme.text : Theme.secondary
                             anchors.verticalCenter: parent.verticalCenter

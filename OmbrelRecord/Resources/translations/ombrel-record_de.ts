@@ -275,7 +275,7 @@
     </message>
     <message>
         <source>Lit</source>
-        <translation>Leuchtend</translation>
+        <translation>Licht</translation>
     </message>
     <message>
         <source>The word being said lights up</source>
@@ -1311,6 +1311,10 @@
         <source>Gives the film this look</source>
         <translation>Gibt dem Film diesen Stil</translation>
     </message>
+    <message>
+        <source>Del</source>
+        <translation>Entf</translation>
+    </message>
 </context>
 <context>
     <name>LooksPanel</name>
@@ -1721,7 +1725,7 @@
     </message>
     <message>
         <source>Delete</source>
-        <translation>Löschen</translation>
+        <translation>Entf</translation>
     </message>
     <message>
         <source>Open</source>
@@ -1839,6 +1843,14 @@
         <source>Clear the selection</source>
         <translation>Auswahl aufheben</translation>
     </message>
+    <message>
+        <source>Del</source>
+        <translation>Entf</translation>
+    </message>
+    <message>
+        <source>Esc</source>
+        <translation>Esc</translation>
+    </message>
 </context>
 <context>
     <name>ShortcutsSheet</name>
@@ -1856,7 +1868,7 @@
     </message>
     <message>
         <source>Back, stop, on; again for faster</source>
-        <translation>Zurück, halt, vor; noch einmal für schneller</translation>
+        <translation>Zurück, halt, vor; auch schneller</translation>
     </message>
     <message>
         <source>One frame</source>
@@ -1904,7 +1916,7 @@
     </message>
     <message>
         <source>Delete</source>
-        <translation>Löschen</translation>
+        <translation>Entf</translation>
     </message>
     <message>
         <source>Cut or remove what is selected</source>
