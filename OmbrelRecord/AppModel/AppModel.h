@@ -32,6 +32,8 @@ class AppModel : public QObject {
     // What the main window shows.
     Q_PROPERTY(Screen screen READ screen NOTIFY screenChanged)
     Q_PROPERTY(QString workingMessage READ workingMessage NOTIFY screenChanged)
+    /// What is worked at can be given up (`cancelWorking`).
+    Q_PROPERTY(bool cancellable READ cancellable NOTIFY screenChanged)
     Q_PROPERTY(OmbrelRecord::EditorModel* editor READ editor NOTIFY editorChanged)
     /// A message for the user; empty: none.
     Q_PROPERTY(QString problem READ problem NOTIFY problemChanged)
@@ -110,6 +112,7 @@ public:
         recording,
         discarding, ///< the recorders end, and what they wrote is deleted
         saving,     ///< working: "Finishing the recording…"
+        recovering, ///< working: "Making the recording whole…"
         loading,    ///< working: "Watching your recording…"
         editing
     };
@@ -125,6 +128,9 @@ public:
     Flow flow() const { return state; }
     Screen screen() const;
     QString workingMessage() const { return message; }
+    bool cancellable() const { return state == Flow::recovering || state == Flow::loading; }
+    /// Back home without what was to be opened. A recording that is being made whole becomes so all the same.
+    Q_INVOKABLE void cancelWorking();
     EditorModel* editor() const { return openEditor.get(); }
     QString problem() const { return currentProblem; }
     Q_INVOKABLE void dismissProblem();
@@ -176,7 +182,8 @@ public:
     Q_INVOKABLE void chooseMicrophone(const QString& id);
     Q_INVOKABLE void refreshMicrophones();
     QString activeMicrophone() const { return activeName; }
-    double microphoneLevel() const { return mics.level(); }
+    /// 0…1: of the microphone on the home screen, or of the one that is being recorded.
+    double microphoneLevel() const { return run ? recordedLevel : mics.level(); }
     bool camera() const { return withCamera; }
     Q_INVOKABLE void toggleCamera();
     QString cameraID() const { return chosenCamera; }
@@ -267,11 +274,20 @@ private:
     void startFailed(const std::string& description);
     void windowGone();
     void tick(std::uint64_t run);
+    void meter(std::uint64_t run);
     void endedByItself(const std::string& message);
     void stopped(RecordingRun::Stopped result);
     void discard();
+    void removeFolder(std::function<void()> done);
+    void aside(std::function<void()> work, std::function<void()> done);
+    /// Working, up to the editor: the log is read from the file, when there is one.
+    void openWithLog(const std::filesystem::path& video, const std::filesystem::path& log,
+                     const std::filesystem::path& folder);
+    void beginLoading(const std::filesystem::path& folder);
+    void load(const std::filesystem::path& video, std::optional<RecordCore::InputLog> log,
+              const std::filesystem::path& folder);
     void loaded(std::unique_ptr<EditorModel> model, const std::string& failure);
-    void closeEditor();
+    void leaveEditor(Flow next);
 
     void startPreviews();
     void stopPreviews();
@@ -280,7 +296,6 @@ private:
     RecordCore::ScreenSource source() const;
     void pollKeys(int polls);
     void recoverNext();
-    std::filesystem::path unpackSample() const;
     void remember(const char* name, const QVariant& value);
     bool remembered(const char* name) const;
     bool idle() const { return state == Flow::home || state == Flow::editing; }
@@ -294,6 +309,7 @@ private:
     Flow state = Flow::home;
     QString message;
     std::unique_ptr<EditorModel> openEditor;
+    std::vector<std::unique_ptr<EditorModel>> leftEditors; ///< as long as views may look at them
     QString currentProblem;
     QVariantMap currentQuestion;
 
@@ -327,12 +343,14 @@ private:
     std::uint64_t flowRun = 0; ///< counts the recordings; a tick of an older one ends
     double startedAt = 0;
     double elapsedTime = 0;
+    double recordedLevel = 0; ///< of the microphone, while a recording runs
     QString hotKeyTrouble;
     std::filesystem::path folder;
     std::unique_ptr<RecordingRun> run;
     std::optional<std::string> endedEarly; ///< a run ended before its start was reported
 
     RecentsModel* recentList;
+    std::uint64_t openings = 0; ///< counts what was opened; what belongs to an older one ends
     std::vector<std::filesystem::path> unfinished;
     QVariantList recoveredRecordings;
 };

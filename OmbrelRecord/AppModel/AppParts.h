@@ -87,8 +87,14 @@ public:
     /// Starts camera, screen and input, in this order; nothing is left in the folder when it fails. Called
     /// once.
     virtual void start(std::function<void(Started)> done) = 0;
+    /// The user has ended it: what comes on the screen from now on is not in the film, although `stop` may take
+    /// its time to begin. After `start` succeeded.
+    virtual void hold() {}
     /// Ends all and writes the files. Called once, after `start` succeeded.
     virtual void stop(std::function<void(Stopped)> done) = 0;
+
+    /// How loud the microphone is that it records, 0…1.
+    virtual double microphoneLevel() const { return 0; }
 
     /// The recording has ended by itself, on the main thread; `stop` is still to be called. Set before
     /// `start`.
@@ -180,6 +186,10 @@ struct AppParts {
 
     std::function<void(std::string_view line)> log;
 
+    /// Runs `work` on another thread, after what was given before, then `done`. For what reads and deletes
+    /// files: a disk may be slow. None: `work` runs at once, on the main thread.
+    std::function<void(std::function<void()> work, std::function<void()> done)> aside;
+
     /// Makes a recording into a folder that is there.
     std::function<std::unique_ptr<RecordingRun>(const std::filesystem::path& folder,
                                                 const RecordingRun::Setup& setup)>
@@ -191,6 +201,8 @@ struct AppParts {
         const std::filesystem::path& folder, std::function<void(double)> progress,
         std::function<void(std::unique_ptr<EditorModel> model, const std::string& failure)> done)>
         loadEditor;
+    /// Gives up what is being opened: nothing more is called for it. May be none.
+    std::function<void()> cancelLoad;
 
     /// Makes a recording that was cut off whole; `failure` is empty when it is.
     std::function<void(const std::filesystem::path& folder, std::function<void(std::string failure)> done)>

@@ -1,5 +1,7 @@
 #include "OmbrelRecord/AppModel/SessionRun.h"
 
+#include "RecordCore/Capture/Microphones.h"
+
 #include <exception>
 #include <utility>
 
@@ -16,6 +18,9 @@ SessionRun::SessionRun(SerialQueue& queue, std::filesystem::path folder, const S
     session.screen.microphone = setup.microphone;
     session.screen.microphoneID = setup.microphoneID;
     session.screen.fps = setup.fps;
+    session.screen.onMicrophoneLevel = [heard = level](double loudness) {
+        *heard = RecordCore::Microphones::smoothed(*heard, loudness);
+    };
     session.camera = setup.camera;
     session.cameraID = setup.cameraID;
     work->session =

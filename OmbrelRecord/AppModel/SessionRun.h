@@ -5,6 +5,7 @@
 #include "OmbrelRecord/AppModel/SerialQueue.h"
 #include "RecordCore/Capture/RecordingSession.h"
 
+#include <atomic>
 #include <memory>
 
 namespace OmbrelRecord {
@@ -19,7 +20,9 @@ public:
     ~SessionRun() override;
 
     void start(std::function<void(Started)> done) override;
+    void hold() override { work->session->screen().hold(); }
     void stop(std::function<void(Stopped)> done) override;
+    double microphoneLevel() const override { return *level; }
 
 private:
     /// The queue's own but for its existence.
@@ -31,6 +34,7 @@ private:
     Mailbox mailbox;
     SerialQueue& queue;
     std::shared_ptr<Work> work = std::make_shared<Work>();
+    std::shared_ptr<std::atomic<double>> level = std::make_shared<std::atomic<double>>(0); ///< any thread's
 };
 
 } // namespace OmbrelRecord

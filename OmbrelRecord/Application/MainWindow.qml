@@ -61,7 +61,11 @@ Window {
     }
     Component {
         id: working
-        WorkingView { message: main.app.workingMessage }
+        WorkingView {
+            message: main.app.workingMessage
+            cancellable: main.app.cancellable
+            onCancelled: main.app.cancelWorking()
+        }
     }
     Connections {
         target: content.item

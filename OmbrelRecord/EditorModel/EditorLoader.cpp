@@ -12,12 +12,16 @@ EditorLoader::EditorLoader(const RecordCore::MediaBackend& media, EditorParts pa
 }
 
 EditorLoader::~EditorLoader() {
+    cancel();
+}
+
+void EditorLoader::cancel() {
     if (cancelled) *cancelled = true;
 }
 
 void EditorLoader::load(const std::filesystem::path& video, std::optional<RecordCore::InputLog> log,
                         const std::filesystem::path& folder, Progress progress, Done done) {
-    if (cancelled) *cancelled = true;
+    cancel();
     cancelled = std::make_shared<std::atomic<bool>>(false);
     queue.post([this, video, folder, progress = std::move(progress), done = std::move(done),
                 given = cancelled, log = std::move(log)]() mutable {

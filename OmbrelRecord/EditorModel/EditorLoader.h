@@ -35,6 +35,9 @@ public:
     void load(const std::filesystem::path& video, std::optional<RecordCore::InputLog> log,
               const std::filesystem::path& folder, Progress progress, Done done);
 
+    /// Gives up the recording that is being opened; nothing more is called for it.
+    void cancel();
+
 private:
     const RecordCore::MediaBackend& media;
     EditorParts parts;

@@ -24,8 +24,15 @@ namespace fs = std::filesystem;
 
 namespace {
 
+/// Empty where the user has no such folder: nothing is to be put into the current one by mistake.
 fs::path place(QStandardPaths::StandardLocation location) {
-    return fs::path(QStandardPaths::writableLocation(location).toStdString()) / "ombrel-record";
+    const fs::path folder = QStandardPaths::writableLocation(location).toStdString();
+    return folder.is_absolute() ? folder / "ombrel-record" : fs::path();
+}
+
+fs::path stillsFolder() {
+    const fs::path cache = place(QStandardPaths::GenericCacheLocation);
+    return cache.empty() ? cache : cache / "stills";
 }
 
 void log(std::string_view line) {
@@ -37,8 +44,7 @@ void log(std::string_view line) {
 AppSession::AppSession() :
     mediaBackend(makeMediaBackend()), services(makeCaptureServices()),
     speech(makeSpeechEngine(*mediaBackend)), sources(*services.screen),
-    cameras(services.cameras.get(), devices),
-    thumbnails(*mediaBackend, place(QStandardPaths::GenericCacheLocation) / "stills"),
+    cameras(services.cameras.get(), devices), thumbnails(*mediaBackend, stillsFolder()),
     updates(Updates::Source::ofBuild()), loader(*mediaBackend, editorParts()),
     appModel(std::make_unique<AppModel>(appParts())) {}
 
@@ -104,6 +110,12 @@ AppParts AppSession::appParts() {
     parts.sample = resource("sample");
     parts.sampleHome = place(QStandardPaths::GenericDataLocation);
     parts.log = log;
+    parts.aside = [this](std::function<void()> work, std::function<void()> done) {
+        files.post([to = mailbox.address(), work = std::move(work), done = std::move(done)] {
+            work();
+            to.post(done);
+        });
+    };
     parts.makeRun = [this](const fs::path& folder, const RecordingRun::Setup& setup) {
         return std::make_unique<SessionRun>(devices, folder, setup, services.session(*mediaBackend, log));
     };
@@ -111,6 +123,7 @@ AppParts AppSession::appParts() {
                               std::function<void(double)> progress, EditorLoader::Done done) {
         loader.load(video, std::move(inputLog), folder, std::move(progress), std::move(done));
     };
+    parts.cancelLoad = [this] { loader.cancel(); };
     parts.recover = [this](const fs::path& folder, std::function<void(std::string)> done) {
         recover(folder, std::move(done));
     };

@@ -54,6 +54,7 @@ private:
     Mailbox mailbox;
     SerialQueue devices;  ///< where recorders and the camera's preview take turns
     SerialQueue recovery; ///< of recordings that were cut off
+    SerialQueue files;    ///< where the model's files are read
     DesktopHotKey hotKey;
     SessionSources sources;
     SessionCameras cameras;

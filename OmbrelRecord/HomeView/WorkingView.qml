@@ -2,10 +2,17 @@ import QtQuick
 import OmbrelRecord
 
 /// Something is under way that the user waits for. A percentage at the end of the message becomes a bar.
-Item {
+FocusScope {
     id: root
 
     property string message
+    /// It can be given up: with the button, or Escape.
+    property bool cancellable: false
+
+    signal cancelled()
+
+    Keys.onEscapePressed: if (cancellable) cancelled()
+
     readonly property var found: message.match(/(\d+)\s*%/)
     readonly property real share: found ? parseInt(found[1]) / 100 : -1
 
@@ -81,6 +88,15 @@ Item {
             label: root.message
             value: Math.max(0, root.share)
             indeterminate: root.share < 0
+        }
+        Button {
+            anchors.horizontalCenter: parent.horizontalCenter
+            visible: root.cancellable
+            focus: true
+            text: qsTr("Cancel")
+            tip: qsTr("Back to your recordings; nothing is lost")
+            onClicked: root.cancelled()
+            Keys.onReturnPressed: clicked()
         }
     }
 }

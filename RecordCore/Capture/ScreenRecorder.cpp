@@ -1,5 +1,7 @@
 #include "RecordCore/Capture/ScreenRecorder.h"
 
+#include "RecordCore/Capture/Microphones.h"
+
 #include "RecordCore/Capture/DiskSpace.h"
 #include "RecordCore/Capture/EncoderChoice.h"
 #include "RecordCore/Model/RecordingError.h"
@@ -77,11 +79,12 @@ void ScreenRecorder::start(const std::filesystem::path& target, RecordingJournal
         if ((setup.systemAudio || setup.microphone) && services.sound == nullptr)
             throw RecordingError("there is no sound service");
         if (setup.systemAudio) addSound(services.sound->openSystemSound());
-        if (setup.microphone) addSound(services.sound->openMicrophone(setup.microphoneID.value_or("")));
+        if (setup.microphone)
+            addSound(services.sound->openMicrophone(setup.microphoneID.value_or(""))).microphone = true;
         movie->begin();
         for (const auto& sound : sounds) {
             SoundTrack* track = sound.get();
-            track->stream->start({[track](const SoundBlock& block) { track->writer->add(block); },
+            track->stream->start({[this, track](const SoundBlock& block) { heard(*track, block); },
                                   [this](bool present, const std::string& message) {
                                       services.log(fmt::format("record: sound device {}: {}",
                                                                present ? "is back" : "went away", message));
@@ -102,7 +105,16 @@ void ScreenRecorder::start(const std::filesystem::path& target, RecordingJournal
     }
 }
 
-void ScreenRecorder::addSound(std::unique_ptr<SoundStream> sound) {
+/// On a sound stream's thread.
+void ScreenRecorder::heard(const SoundTrack& track, const SoundBlock& block) const {
+    track.writer->add(block);
+    if (!track.microphone || !setup.onMicrophoneLevel) return;
+    if (const auto level = Microphones::loudness(
+            {SampleBuffer::Format::float32, block.samples.data(), block.samples.size()}))
+        setup.onMicrophoneLevel(*level);
+}
+
+ScreenRecorder::SoundTrack& ScreenRecorder::addSound(std::unique_ptr<SoundStream> sound) {
     auto track = std::make_unique<SoundTrack>();
     SoundTrack* it = track.get();
     track->stream = std::move(sound);
@@ -112,6 +124,7 @@ void ScreenRecorder::addSound(std::unique_ptr<SoundStream> sound) {
         services.clock, [it](std::span<const float> samples) { it->encoder->encode(samples); });
     track->track = movie->addTrack(track->encoder->description());
     sounds.push_back(std::move(track));
+    return *it;
 }
 
 void ScreenRecorder::closeDevices() {
@@ -127,6 +140,7 @@ void ScreenRecorder::capture(const ScreenFrame& frame) {
     {
         const std::lock_guard lock(mutex);
         isFirst = !firstFrame;
+        if (held && !isFirst) return;
         if (isFirst) firstFrame = frame.time;
         first = *firstFrame;
     }

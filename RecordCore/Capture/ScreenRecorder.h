@@ -33,6 +33,9 @@ public:
         bool microphone = false;
         std::optional<std::string> microphoneID; ///< none: the default one
         int fps = 60;                            ///< most frames a second, 1…240
+        /// How loud each block of the microphone is (`Microphones::loudness`), on its stream's thread. May be
+        /// none.
+        std::function<void(double)> onMicrophoneLevel;
     };
 
     /// What it works with; everything outlives the recorder.
@@ -62,6 +65,10 @@ public:
     /// is left behind then.
     void start(const std::filesystem::path& file, RecordingJournal* journal = nullptr);
 
+    /// The picture stays as it is until `stop`: what comes on the screen from now on is not recorded any more.
+    /// Returns at once; any thread, after `start`.
+    void hold() { held = true; }
+
     /// Ends the capture and finishes the file. Throws RecordingError "no frames were captured" (no file is
     /// left then), or why what was written cannot be read. A disk that got full or a stream that ended are
     /// no errors here: what was recorded until then is kept.
@@ -90,10 +97,12 @@ private:
         std::unique_ptr<SoundEncoder> encoder;
         std::unique_ptr<SoundTrackWriter> writer;
         int track = 0;
+        bool microphone = false;
         bool open = false; ///< the stream was started
     };
 
-    void addSound(std::unique_ptr<SoundStream> sound);
+    SoundTrack& addSound(std::unique_ptr<SoundStream> sound);
+    void heard(const SoundTrack& track, const SoundBlock& block) const;
     void closeDevices();
     void capture(const ScreenFrame& frame);
     void encodeFrames();
@@ -115,6 +124,7 @@ private:
     std::unique_ptr<FrameQueue> queue;
     std::thread encoding;
 
+    std::atomic<bool> held{false};
     mutable std::mutex mutex;
     // Guarded by the mutex.
     std::optional<double> firstFrame;

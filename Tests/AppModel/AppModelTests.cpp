@@ -1,3 +1,4 @@
+#include "RecordCore/Model/AtomicFile.h"
 #include "Tests/AppModel/ScriptedApp.h"
 
 #include <fmt/format.h>
@@ -495,7 +496,8 @@ TEST(AppModel, MoviesRecordingsAndTheSampleAreOpened) {
     // A recording that was cut off is made whole before it is opened.
     std::ofstream(place / "recording.journal") << "";
     model.open(QString::fromStdString(place.string()));
-    EXPECT_EQ(model.flow(), Flow::home);
+    EXPECT_EQ(model.flow(), Flow::recovering);
+    EXPECT_EQ(model.screen(), AppModel::Screen::working);
     stage.clock.advance(0);
     EXPECT_EQ(model.flow(), Flow::loading);
     EXPECT_EQ(stage.loadedVideo, place / "recording.mp4");
@@ -504,6 +506,147 @@ TEST(AppModel, MoviesRecordingsAndTheSampleAreOpened) {
     model.open(QString::fromStdString(place.string()));
     stage.clock.advance(0);
     EXPECT_EQ(model.problem(), QStringLiteral("Couldn't open that video: still being recorded"));
+    EXPECT_EQ(model.flow(), Flow::home);
+}
+
+TEST(AppModel, WhatIsWaitedForCanBeGivenUp) {
+    Stage stage;
+    int givenUp = 0;
+    stage.parts.cancelLoad = [&] { ++givenUp; };
+    AppModel& model = stage.open();
+    const fs::path place = stage.folder / "Films";
+    fs::create_directory(place);
+    const auto open = [&] { model.open(QString::fromStdString(place.string())); };
+
+    EXPECT_FALSE(model.cancellable());
+    model.cancelWorking(); // nothing to give up
+    EXPECT_EQ(model.flow(), Flow::home);
+    open();
+    ASSERT_TRUE(model.cancellable());
+    stage.loadProgress(0.4);
+    model.cancelWorking();
+    EXPECT_EQ(givenUp, 1);
+    EXPECT_EQ(model.flow(), Flow::home);
+    stage.loadProgress(0.5); // too late, all of it
+    stage.loadDone(stage.editorOf(place), "");
+    EXPECT_EQ(model.flow(), Flow::home);
+    EXPECT_EQ(model.editor(), nullptr);
+    const auto stale = stage.loadDone;
+    open();
+    stale(stage.editorOf(place), "");
+    EXPECT_EQ(model.flow(), Flow::loading);
+    stage.loadDone(stage.editorOf(place), "");
+    EXPECT_EQ(model.flow(), Flow::editing);
+    EXPECT_FALSE(model.cancellable());
+    model.backHome();
+
+    // What is being made whole becomes so, but is not opened.
+    std::ofstream(place / "recording.journal") << "";
+    stage.loadedVideo.clear();
+    open();
+    ASSERT_TRUE(model.cancellable());
+    model.cancelWorking();
+    stage.clock.advance(0);
+    EXPECT_EQ(stage.recovered.size(), 1u);
+    EXPECT_EQ(model.flow(), Flow::home);
+    EXPECT_EQ(stage.loadedVideo, fs::path());
+
+    // The end of a recording is waited for.
+    stage.record();
+    model.stopRecording();
+    EXPECT_EQ(model.flow(), Flow::saving);
+    EXPECT_FALSE(model.cancellable());
+    model.cancelWorking();
+    EXPECT_EQ(model.flow(), Flow::saving);
+}
+
+TEST(AppModel, SlowDisksAreWaitedForElsewhere) {
+    Stage stage;
+    std::vector<std::pair<std::function<void()>, std::function<void()>>> waiting;
+    stage.parts.aside = [&](std::function<void()> work, std::function<void()> done) {
+        waiting.emplace_back(std::move(work), std::move(done));
+    };
+    const auto catchUp = [&] {
+        while (!waiting.empty()) {
+            const auto [work, done] = std::move(waiting.front());
+            waiting.erase(waiting.begin());
+            work();
+            done();
+        }
+    };
+    const fs::path place = stage.parts.library.root() / "A";
+    fs::create_directories(place);
+    std::ofstream(place / "recording.mp4") << "film";
+    RecordCore::InputLog log;
+    log.keysTracked = true;
+    log.save(place / "input.json");
+    AppModel& model = stage.open();
+    EXPECT_EQ(model.recents()->count(), 0);
+    catchUp();
+    EXPECT_EQ(model.recents()->count(), 1);
+
+    model.open(QString::fromStdString(place.string()));
+    EXPECT_EQ(model.flow(), Flow::loading) << "the user sees at once that it works";
+    EXPECT_EQ(stage.loadedVideo, fs::path());
+    model.cancelWorking();
+    model.open(QString::fromStdString(place.string()));
+    catchUp();
+    EXPECT_EQ(stage.loadedLog, log);
+    stage.loadDone(nullptr, "x");
+
+    stage.record();
+    stage.writeFiles();
+    model.discardRecording();
+    model.answer(0);
+    stage.run->stopDone({});
+    EXPECT_TRUE(fs::exists(stage.runFolder));
+    catchUp();
+    EXPECT_FALSE(fs::exists(stage.runFolder));
+    EXPECT_EQ(model.flow(), Flow::home);
+}
+
+TEST(AppModel, TheSampleIsOnlyPutIntoAFolderThatThereIs) {
+    Stage stage;
+    stage.parts.sample = stage.folder / "brought along";
+    fs::create_directory(stage.parts.sample);
+    std::ofstream(stage.parts.sample / "recording.mp4") << "film";
+    AppModel& model = stage.open();
+    const fs::path before = fs::current_path();
+    fs::current_path(stage.folder.path());
+    model.openSample();
+    EXPECT_EQ(model.flow(), Flow::home);
+    EXPECT_THAT(model.problem().toStdString(), testing::StartsWith("Couldn't open that video: "));
+    EXPECT_FALSE(fs::exists("Sample · 4 agents fix a bug"));
+    fs::current_path(before);
+    stage.parts.sampleHome = stage.folder / "data";
+    stage.open().openSample();
+    EXPECT_EQ(RecordCore::readFile(stage.loadedVideo), "film");
+    EXPECT_EQ(stage.loadedFolder.parent_path(), stage.folder / "data");
+}
+
+TEST(AppModel, TheWindowThatComesUpAtTheEndIsInNoFilm) {
+    Stage stage;
+    AppModel& model = stage.open();
+    stage.record();
+    model.stopRecording();
+    EXPECT_EQ(stage.run->shownWhenHeld, 0);
+    EXPECT_THAT(stage.trace, testing::Contains("show"));
+}
+
+TEST(AppModel, TheMicrophoneThatIsRecordedMovesTheMeter) {
+    Stage stage;
+    AppModel& model = stage.open();
+    model.toggleMicrophone();
+    stage.record();
+    stage.run->level = 0.6;
+    stage.clock.advance(0.1);
+    EXPECT_EQ(model.microphoneLevel(), 0.6);
+    stage.run->level = 0.2;
+    stage.clock.advance(0.1);
+    EXPECT_EQ(model.microphoneLevel(), 0.2);
+    model.stopRecording();
+    stage.run->stopDone({});
+    EXPECT_EQ(model.microphoneLevel(), 0) << "the home screen's meter, which has heard nothing";
 }
 
 TEST(AppModel, RecordingsThatWereCutOffAreMadeWholeAndOffered) {

@@ -6,6 +6,7 @@
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <QtCore/QPointer>
+#include <algorithm>
 #include <fstream>
 #include <map>
 #include <memory>
@@ -251,6 +252,10 @@ public:
             stage.trace.push_back("stop");
             stopDone = std::move(done);
         }
+        double microphoneLevel() const override { return level; }
+        double level = 0;
+        void hold() override { shownWhenHeld = std::count(stage.trace.begin(), stage.trace.end(), "show"); }
+        std::ptrdiff_t shownWhenHeld = -1; ///< how often the windows had been shown when the picture was held
         std::function<void(Started)> startDone;
         std::function<void(Stopped)> stopDone;
 
