@@ -135,7 +135,7 @@ TEST_F(Session, FromTheHotKeyToTheFilm) {
     EXPECT_NEAR(film.duration, editor.outputDuration(), 0.1);
 
     model.backHome();
-    EXPECT_TRUE(Project::load(files.project())->showTitle);
+    EXPECT_TRUE(until(20, [&] { return Project::load(files.project())->showTitle; }));
     Diag::flush();
     const std::string lines =
         std::regex_replace(readFile(Diag::file()), std::regex("\\d{4}-\\d{2}-\\d{2}T[0-9:]+Z "), "");
