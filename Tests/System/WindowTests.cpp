@@ -8,6 +8,7 @@
 #include "RecordCore/Model/RecordingFiles.h"
 #include "Tests/System/Program.h"
 
+#include <QtCore/QJsonDocument>
 #include <QtCore/QMargins>
 #include <QtCore/QRect>
 #include <QtGui/QImage>
@@ -15,7 +16,9 @@
 #include <array>
 #include <cmath>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
 
@@ -33,8 +36,17 @@ protected:
         session = std::make_unique<XSession>(screenWidth, screenHeight);
     }
 
-    void start() {
-        program = std::make_unique<Program>(*session);
+    /// What held up the main thread is told, not judged: the machine is shared.
+    void TearDown() override {
+        if (!program || !program->running()) return;
+        program->shown();
+        for (const QJsonValue& stall : program->stalls())
+            std::printf("held up: %s\n",
+                        QJsonDocument(stall.toObject()).toJson(QJsonDocument::Compact).constData());
+    }
+
+    void start(std::map<std::string, std::string> environment = {}) {
+        program = std::make_unique<Program>(*session, std::move(environment));
         ASSERT_TRUE(eventually(60, [this] { return program->windowShown(QStringLiteral("Ombrel Record")); }))
             << program->said();
         // It can record.
@@ -503,6 +515,86 @@ TEST_F(Walk, TheKeyboardAloneMakesAFilm) {
     ASSERT_TRUE(tabTo("exportNow")) << program->complaint();
     program->key({Keys::enter});
     checkTheFilm(0x1E2129);
+}
+
+/// What is missing is told, and the rest works.
+class Lacking : public Windows {
+protected:
+    /// Something is told that begins like that.
+    testing::AssertionResult told(const char* words) {
+        if (program->find(QString::fromUtf8(words), [&](const Program::Item& item) {
+                return item.name.startsWith(QString::fromUtf8(words));
+            }))
+            return testing::AssertionSuccess();
+        return testing::AssertionFailure() << program->complaint();
+    }
+    /// A window that has only just come back may not hear the first click.
+    bool toggle(const char* name) {
+        const QString wanted = QString::fromLatin1(name), role = QStringLiteral("CheckBox");
+        const auto before = program->named(wanted, role);
+        return before && eventually(60, [&] {
+                   const auto now = program->named(wanted, role);
+                   if (!now || now->checked != before->checked) return now.has_value();
+                   program->click(now);
+                   return eventually(2, [&] {
+                       const auto after = program->named(wanted, role);
+                       return after && after->checked != before->checked;
+                   });
+               });
+    }
+};
+
+TEST_F(Lacking, NoSoundNoCameraNoBus) {
+    ASSERT_NO_FATAL_FAILURE(start({{"DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere/bus"},
+                                   {"PULSE_SERVER", "unix:/nowhere/pulse"},
+                                   {"PIPEWIRE_REMOTE", "/nowhere/pipewire"}}));
+    ASSERT_TRUE(toggle("Microphone")) << program->complaint();
+    EXPECT_TRUE(told("No microphone is connected"));
+    ASSERT_TRUE(toggle("Camera")) << program->complaint();
+    ASSERT_TRUE(toggle("Computer's sound")) << program->complaint();
+    // A recording with the computer's sound cannot be had, and says so.
+    ASSERT_TRUE(program->click(program->named(QStringLiteral("Record"), QStringLiteral("Button"))));
+    EXPECT_TRUE(told("Couldn't start recording: "));
+    // Without it, it can.
+    ASSERT_TRUE(toggle("Computer's sound")) << program->complaint();
+    ASSERT_TRUE(program->click(program->named(QStringLiteral("Record"), QStringLiteral("Button"))));
+    ASSERT_NO_FATAL_FAILURE(waitForCapture());
+    program->key(Keys::hotKey);
+    EXPECT_TRUE(program->waitForLog("editor: open")) << program->log() << program->said();
+}
+
+TEST_F(Lacking, NowhereToWrite) {
+    // No user, not even root, makes a folder there.
+    std::map<std::string, std::string> nowhere;
+    for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME"})
+        nowhere[name] = "/proc/nowhere";
+    ASSERT_NO_FATAL_FAILURE(start(nowhere));
+    ASSERT_TRUE(program->click(program->named(QStringLiteral("Record"), QStringLiteral("Button"))));
+    EXPECT_TRUE(told("Couldn't start recording: /proc/nowhere"));
+    EXPECT_TRUE(program->running());
+}
+
+TEST_F(Lacking, ALargeLibraryWithABrokenRecording) {
+    const TemporaryFolder own;
+    const fs::path library = own / "Videos/Ombrel Record";
+    for (int i = 0; i < 2000; ++i) {
+        const fs::path place = library / ("Recording " + std::to_string(10000 + i));
+        fs::create_directories(place);
+        std::ofstream(place / "recording.mp4") << "this is no movie";
+    }
+    ASSERT_NO_FATAL_FAILURE(start({{"HOME", own.path().string()}}));
+    EXPECT_TRUE(told("Recent recordings"));
+    const auto isCard = [](const Program::Item& item) { return item.type == QLatin1String("RecordingCard"); };
+    const auto card = program->find(QStringLiteral("a recording"), isCard);
+    ASSERT_TRUE(card) << program->complaint();
+    const auto cards = [&] {
+        const Program::Shown all = program->shown();
+        return std::count_if(all.items.begin(), all.items.end(), isCard);
+    };
+    EXPECT_LE(cards(), 20) << "only those in sight are made";
+    ASSERT_TRUE(program->click(card));
+    EXPECT_TRUE(told("Couldn't open that video: "));
+    EXPECT_TRUE(program->running());
 }
 
 } // namespace
