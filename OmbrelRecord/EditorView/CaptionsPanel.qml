@@ -20,7 +20,7 @@ InspectorPanel {
     Column {
         width: parent.width
         spacing: Theme.m
-        visible: !root.editor.captioning
+        visible: !root.editor.captioning && (root.editor.hasSound || !root.any)
 
         Label {
             width: parent.width
@@ -103,6 +103,7 @@ InspectorPanel {
 
     PanelSection {
         visible: root.any
+        first: !root.editor.hasSound
         PanelSwitch {
             editor: root.editor
             field: "showCaptions"

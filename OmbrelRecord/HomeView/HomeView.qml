@@ -218,6 +218,7 @@ FocusScope {
 
         // The camera stands where the film will have it.
         Item {
+            LayoutMirroring.enabled: false
             visible: root.app.camera && root.app.hasScreenAccess
             width: Math.round(parent.height * 0.26)
             height: width
