@@ -107,6 +107,7 @@ std::optional<int> run(int argc, char** argv) {
     exportVerb.add_option("--bitrate", film.bitrate, "Video bits per second (chosen by size when not given)")
         ->check(CLI::Range(std::int64_t{50'000}, std::int64_t{1'000'000'000}));
     exportVerb.add_flag("--watermark", film.watermark, "Draw a watermark");
+    exportVerb.add_flag("--software", film.software, "Use no hardware encoder");
     exportVerb.add_flag("--json", film.json, "Print the statistics as JSON");
     addOutput(exportVerb, film.output, "MP4 file to write");
     exportVerb.callback([&] { Commands::run(film, *backend()); });

@@ -42,6 +42,7 @@ struct Export {
     double fps = 60;
     std::optional<std::int64_t> bitrate;
     bool watermark = false;
+    bool software = false; ///< use no hardware encoder
     bool json = false; ///< print the statistics as JSON
     std::filesystem::path output;
 };

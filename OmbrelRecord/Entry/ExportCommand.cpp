@@ -23,6 +23,7 @@ void run(const Export& options, const MediaBackend& media) {
     exportOptions.scale = options.scale;
     exportOptions.bitrate = options.bitrate;
     exportOptions.watermark = options.watermark;
+    exportOptions.hardware = !options.software;
     exportOptions.camera = recording.camera();
 
     ExportStats stats;
@@ -41,7 +42,8 @@ void run(const Export& options, const MediaBackend& media) {
                           {"repeated", stats.repeated},
                           {"outputSeconds", stats.outputSeconds},
                           {"wallSeconds", stats.wallSeconds},
-                          {"encoder", stats.encoder}};
+                          {"encoder", stats.encoder},
+                          {"hardware", stats.hardware}};
         fmt::print("{}\n", jsonText(object));
     } else {
         fmt::print("export: {} frames, {:.1f} s in {:.1f} s\n", stats.frames, stats.outputSeconds,

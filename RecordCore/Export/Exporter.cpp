@@ -1,5 +1,6 @@
 #include "RecordCore/Export/Exporter.h"
 
+#include "RecordCore/Export/CostForecast.h"
 #include "RecordCore/Export/FrameRenderer.h"
 #include "RecordCore/Export/LoadedRecording.h"
 #include "RecordCore/Export/RetimedSound.h"
@@ -109,6 +110,19 @@ private:
     std::thread thread;
 };
 
+/// In hardware where it is wanted and opens, else in software; `settings` then says which it was.
+std::unique_ptr<VideoEncoder> openEncoder(const MediaBackend& media, VideoSettings& settings,
+                                          PacketSink sink) {
+    if (settings.hardware) {
+        try {
+            return media.makeVideoEncoder(settings, sink);
+        } catch (const RecordingError&) {
+            settings.hardware = false;
+        }
+    }
+    return media.makeVideoEncoder(settings, std::move(sink));
+}
+
 } // namespace
 
 std::int64_t defaultBitrate(int width, int height, double fps) {
@@ -160,8 +174,10 @@ ExportStats run(const MediaBackend& media, const std::filesystem::path& source, 
     video.bitrate = options.bitrate.value_or(defaultBitrate(video.width, video.height, options.fps));
     video.expectedEnd = scene.frameCount();
     video.keyInterval = static_cast<int>(2 * options.fps);
+    video.forecast = costForecast(scene, options.fps, frames.stored(), video.keyInterval);
+    video.hardware = options.hardware;
     const std::unique_ptr<VideoEncoder> encoder =
-        media.makeVideoEncoder(video, [&](const Packet& packet) { movie->write(videoTrack, packet); });
+        openEncoder(media, video, [&](const Packet& packet) { movie->write(videoTrack, packet); });
     videoTrack = movie->addTrack(encoder->description());
 
     std::optional<RetimedSound> sound;
@@ -196,6 +212,7 @@ ExportStats run(const MediaBackend& media, const std::filesystem::path& source, 
     stats.outputSeconds = plan.outputDuration();
     stats.wallSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
     stats.encoder = encoder->name();
+    stats.hardware = video.hardware;
     return stats;
 }
 

@@ -20,6 +20,7 @@ struct ExportStats {
     double outputSeconds = 0;  ///< length of the film
     double wallSeconds = 0;    ///< time the export took
     std::string encoder;       ///< what encoded the picture
+    bool hardware = false;     ///< whether that was a hardware encoder
 };
 
 /// Writes the finished film: decodes the recording once, composes every output frame, encodes H.264 and

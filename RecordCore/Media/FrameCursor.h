@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace RecordCore {
 
@@ -21,6 +22,8 @@ public:
     bool same() const { return unchanged; }
 
     const SourceInfo& info() const { return reader->info(); }
+    /// As of VideoReader.
+    std::vector<VideoReader::Stored> stored() const { return reader->stored(); }
 
 private:
     std::unique_ptr<VideoReader> reader;

@@ -6,8 +6,17 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace RecordCore {
+
+/// What is known of a film's frame before any is composed.
+struct FrameForecast {
+    float cost = 1; ///< what it will about take, beside the others
+    /// Steps by which its quantiser should differ from the others': what moves fast is gone at once, what
+    /// stands is looked at, and others build upon it.
+    int offset = 0;
+};
 
 /// What an encoder is to make. The film is always tagged BT.709, video range.
 struct VideoSettings {
@@ -20,8 +29,9 @@ struct VideoSettings {
     /// About where a film ends, in ticks of the time base, so that its average bit rate can be kept;
     /// 0: not known.
     std::int64_t expectedEnd = 0;
-    int keyInterval = 120; ///< most frames from key frame to key frame
-    bool realTime = false; ///< low delay and no reordering (capture), else best quality (film)
+    std::vector<FrameForecast> forecast; ///< of each of the film's frames; empty: nothing is known
+    int keyInterval = 120;               ///< most frames from key frame to key frame
+    bool realTime = false;               ///< low delay and no reordering (capture), else best quality (film)
     /// Take a hardware encoder or none: making the encoder throws where no such one opens at this size.
     /// Off, a software encoder is made.
     bool hardware = false;

@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace RecordCore {
 
@@ -46,6 +47,15 @@ public:
         static_cast<void>(seconds);
         return std::nullopt;
     }
+
+    /// A frame as the file holds it.
+    struct Stored {
+        double time = 0; ///< seconds, about the one it is shown at
+        double bits = 0;
+        bool key = false; ///< complete in itself
+    };
+    /// The frames in order as the file's index tells, without reading it; empty where there is none. Cheap.
+    virtual std::vector<Stored> stored() const { return {}; }
 };
 
 } // namespace RecordCore

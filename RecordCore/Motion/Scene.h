@@ -23,6 +23,8 @@ public:
     Scene(const Plan& plan, const Project& project, const std::optional<InputLog>& log, double fps);
 
     FrameState state(double seconds) const;
+    /// Its view alone.
+    NRect view(double seconds) const { return camera.view(seconds); }
 
     const TimeMap& times() const { return map; }
     double outputDuration() const { return map.outputDuration(); }

@@ -6,9 +6,11 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <limits>
 #include <set>
-#include <utility>
+#include <vector>
 
+using RecordCore::FrameForecast;
 using RecordCore::X264::FilmRate;
 
 namespace {
@@ -23,10 +25,11 @@ struct Outcome {
 
 /// A film whose frame at `t` would take `bits(t)` at quantiser 28, half of it for every six more. The encoder
 /// answers three frames later.
-Outcome film(double seconds, const std::function<double(double)>& bits) {
-    FilmRate filmRate(rate, seconds);
+Outcome film(double seconds, const std::function<double(double)>& bits,
+             const std::vector<FrameForecast>& forecast = {}) {
+    FilmRate filmRate(rate, seconds, forecast);
     Outcome outcome;
-    std::deque<std::pair<std::int64_t, int>> encoder;
+    std::deque<std::int64_t> encoder;
     const int frames = static_cast<int>(seconds * 60);
     double sum = 0;
     int before = 0;
@@ -36,9 +39,9 @@ Outcome film(double seconds, const std::function<double(double)>& bits) {
         const int q = filmRate.quantiser(kind, t);
         const auto size = static_cast<std::int64_t>(bits(t) * std::exp2((28 - q) / 6.0));
         sum += static_cast<double>(size);
-        encoder.emplace_back(size, filmRate.base());
+        encoder.push_back(size);
         if (encoder.size() > 3) {
-            filmRate.coded(encoder.front().first, encoder.front().second);
+            filmRate.coded(encoder.front());
             encoder.pop_front();
         }
         if (kind == FilmRate::Frame::key) continue;
@@ -75,10 +78,44 @@ TEST(FilmRate, KeepsTheAverage) {
     }
 }
 
+TEST(FilmRate, OneQuantiserWhereTheFilmIsForeseen) {
+    // Nearly all of it happens in a few seconds; without a forecast too much is spent before.
+    const double even = rate / 60;
+    const auto bits = [&](double t) { return t > 11 && t < 16 ? 3.5 * even : 0.3 * even; };
+    std::vector<FrameForecast> forecast;
+    for (int i = 0; i < 24 * 60; ++i) {
+        // The scale is unknown, and every frame is off by up to a third.
+        const double error = 1 + std::sin(i * 0.7) / 3;
+        forecast.push_back({static_cast<float>(bits(i / 60.0) / even * error), 0});
+    }
+    const Outcome foreseen = film(24, bits, forecast);
+    EXPECT_NEAR(foreseen.average / rate, 1, 0.04);
+    EXPECT_LE(*foreseen.quantisers.rbegin() - *foreseen.quantisers.begin(), 4);
+    const Outcome surprised = film(24, bits);
+    EXPECT_GT(*surprised.quantisers.rbegin() - *surprised.quantisers.begin(), 6);
+
+    // A forecast of no use is as none.
+    for (const float useless : {0.0F, std::numeric_limits<float>::infinity()}) {
+        const std::vector<FrameForecast> none(100, {useless, 0});
+        EXPECT_EQ(film(24, bits, none).quantisers, surprised.quantisers);
+    }
+}
+
 TEST(FilmRate, SpendsNothingOnWhatNobodySees) {
     const Outcome outcome = film(60, [](double) { return rate / 60 / 20; });
-    EXPECT_LT(outcome.average, rate / 8);
-    EXPECT_GE(*outcome.quantisers.begin(), 20);
+    EXPECT_LT(outcome.average, rate / 5);
+    EXPECT_GE(*outcome.quantisers.begin(), 16);
+}
+
+TEST(FilmRate, FollowsTheOffsetsOfTheForecast) {
+    std::vector<FrameForecast> forecast(60, {1, 2});
+    forecast[30].offset = -5;
+    FilmRate filmRate(rate, 1, forecast);
+    const int before = filmRate.quantiser(FilmRate::Frame::change, 29 / 60.0);
+    const int finer = filmRate.quantiser(FilmRate::Frame::change, 30 / 60.0);
+    const int after = filmRate.quantiser(FilmRate::Frame::change, 31 / 60.0);
+    EXPECT_NEAR(before - finer, 7, 1);
+    EXPECT_NEAR(after, before, 2);
 }
 
 TEST(FilmRate, StillsAndKeysAreFiner) {

@@ -247,4 +247,16 @@ std::optional<VideoReader::SeekCost> FFmpegVideoReader::seekCost(double seconds)
     return SeekCost{timeOf(avformat_index_get_entry(stream, key)->timestamp + mostReorder), last - key + 1};
 }
 
+std::vector<VideoReader::Stored> FFmpegVideoReader::stored() const {
+    std::vector<Stored> frames;
+    const int count = avformat_index_get_entries_count(stream);
+    frames.reserve(static_cast<std::size_t>(std::max(count, 0)));
+    for (int i = 0; i < count; ++i) {
+        const AVIndexEntry* entry = avformat_index_get_entry(stream, i);
+        frames.push_back({timeOf(entry->timestamp + mostReorder), 8.0 * entry->size,
+                          (entry->flags & AVINDEX_KEYFRAME) != 0});
+    }
+    return frames;
+}
+
 } // namespace RecordCore::FFmpeg

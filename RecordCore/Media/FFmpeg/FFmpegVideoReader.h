@@ -20,6 +20,7 @@ public:
     void seek(double seconds) override;
     void skipTo(double seconds) override;
     std::optional<SeekCost> seekCost(double seconds) const override;
+    std::vector<Stored> stored() const override;
 
 private:
     struct Decoded {

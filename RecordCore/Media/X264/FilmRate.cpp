@@ -8,21 +8,29 @@ namespace RecordCore::X264 {
 namespace {
 
 constexpr int firstBase = 28;
-/// What moves is seen no better with a finer quantiser than this; what stands gets finer ones below.
-constexpr int finest = 25;
+/// With a finer quantiser than this nothing is seen any better: the film then stays below its rate.
+constexpr int finest = 18;
 constexpr int coarsest = 38;
+constexpr int finestOfAll = 12;
 /// Frames that others are predicted from for long are worth more. Measured on screen recordings: nearly one
 /// quantiser for all that moves, finer ones for keys and stills, is the most quality for the bits.
-constexpr int keyOffset = -5;
-constexpr int refinementOffset = -8;
-/// What the first guess weighs beside what was measured, in seconds of film.
+constexpr int keyOffset = -11;
+constexpr int refinementOffset = -12;
+constexpr int finestOffset = -6;
+constexpr int coarsestOffset = 3;
+/// What the first guess weighs beside what was measured, in seconds of an even film; with a forecast less,
+/// since the first key frame already tells its scale.
 constexpr double guessed = 10;
+constexpr double guessedOfForecast = 1;
 constexpr double guessedRecently = 2;
-/// How long what just happened counts, in seconds of film.
+/// How much of what just happened counts, in seconds of an even film.
 constexpr double memory = 6;
 /// Within what time too much or too little spent is made up for, in seconds of film.
 constexpr double shortestPlan = 6;
 constexpr double longestPlan = 60;
+/// With a forecast the plan goes to the end and this share of the film beyond: what it is off in the last
+/// moments is not chased after.
+constexpr double beyondTheEnd = 0.07;
 /// Overspending is paid back at not less than this share of the rate.
 constexpr double leastShare = 0.5;
 /// Steps of the quantiser that are not taken.
@@ -35,35 +43,77 @@ double stepSize(double quantiser) {
 
 } // namespace
 
-FilmRate::FilmRate(double bitsPerSecond, double seconds) :
-    rate(std::max(bitsPerSecond, 1.0)), length(seconds), current(firstBase) {}
+FilmRate::FilmRate(double bitsPerSecond, double seconds, std::span<const FrameForecast> forecast) :
+    rate(std::max(bitsPerSecond, 1.0)), length(seconds), current(firstBase) {
+    if (length <= 0 || forecast.empty()) return;
+    work.reserve(forecast.size() + 1);
+    work.push_back(0);
+    for (const FrameForecast& frame : forecast)
+        work.push_back(work.back() + std::max(0.0, static_cast<double>(frame.cost)));
+    if (!(work.back() > 0) || !std::isfinite(work.back())) {
+        work.clear();
+        return;
+    }
+    const double scale = length / work.back();
+    for (double& sum : work)
+        sum *= scale;
+    offsets.reserve(forecast.size());
+    for (const FrameForecast& frame : forecast)
+        offsets.push_back(std::clamp(frame.offset, finestOffset, coarsestOffset));
+}
 
-/// The quantiser at which the average is kept, if the film goes on as it did.
+std::size_t FilmRate::frameAt(double seconds) const {
+    const double frames = static_cast<double>(offsets.size());
+    return static_cast<std::size_t>(
+        std::min(std::round(std::clamp(seconds / length, 0.0, 1.0) * frames), frames - 1));
+}
+
+/// The forecast for the film up to and with the frame shown at `seconds`.
+double FilmRate::workUntil(double seconds) const {
+    return work.empty() ? seconds : work[frameAt(seconds) + 1];
+}
+
+/// The quantiser at which the average is kept, if the film goes on as forecast.
 double FilmRate::wanted() const {
     const double guess = rate * stepSize(firstBase);
-    const double all = (cost + guess * guessed) / (now + guessed);
-    const double recent = (recentCost + guess * guessedRecently) / (recentTime + guessedRecently);
-    const double ahead = length > 0 ? std::clamp(length - now, shortestPlan, longestPlan) : longestPlan;
-    const double left = std::max(rate * (now + ahead) - spent, leastShare * rate * ahead);
-    return 6 * std::log2((all + recent) / 2 * ahead / left);
+    const double weight = work.empty() ? guessed : guessedOfForecast;
+    const double all = (cost + guess * weight) / (done + weight);
+    double scale = all;
+    const double beyond = beyondTheEnd * length;
+    double ahead = std::max(length - asked, 0.0) + beyond;
+    double means = std::max(rate * (length + beyond) - spent,
+                            leastShare * rate * (std::max(length - now, 0.0) + beyond));
+    if (work.empty()) {
+        scale = (all + (recentCost + guess * guessedRecently) / (recentDone + guessedRecently)) / 2;
+        ahead = length > 0 ? std::clamp(length - now, shortestPlan, longestPlan) : longestPlan;
+        means = std::max(rate * (now + ahead) - spent, leastShare * rate * ahead);
+    }
+    return 6 * std::log2(scale * ahead / means);
 }
 
 int FilmRate::quantiser(Frame frame, double seconds) {
-    const double passed = std::max(seconds - now, 0.0);
-    const double kept = std::exp(-passed / memory);
-    recentCost *= kept;
-    recentTime = recentTime * kept + passed;
-    now += passed;
+    now = std::max(now, seconds);
     const double difference = std::clamp(wanted(), double{finest}, double{coarsest}) - current;
     if (std::abs(difference) > tolerance) current += difference > 0 ? 1 : -1;
-    return current + (frame == Frame::key ? keyOffset : frame == Frame::refinement ? refinementOffset : 0);
+    const double until = std::max(workUntil(now), asked);
+    encoding.push_back({current, until - asked});
+    asked = until;
+    if (frame == Frame::key) return current + keyOffset;
+    if (frame == Frame::refinement) return current + refinementOffset;
+    return offsets.empty() ? current : std::max(current + offsets[frameAt(now)], finestOfAll);
 }
 
-void FilmRate::coded(std::int64_t bits, int base) {
+void FilmRate::coded(std::int64_t bits) {
+    if (encoding.empty()) return;
+    const Asked frame = encoding.front();
+    encoding.pop_front();
     const double size = static_cast<double>(bits);
+    const double kept = std::exp(-frame.work / memory);
     spent += size;
-    cost += size * stepSize(base);
-    recentCost += size * stepSize(base);
+    cost += size * stepSize(frame.base);
+    done += frame.work;
+    recentCost = recentCost * kept + size * stepSize(frame.base);
+    recentDone = recentDone * kept + frame.work;
 }
 
 } // namespace RecordCore::X264

@@ -1,6 +1,12 @@
 #pragma once
 
+#include "RecordCore/Media/VideoEncoder.h"
+
+#include <cstddef>
 #include <cstdint>
+#include <deque>
+#include <span>
+#include <vector>
 
 namespace RecordCore::X264 {
 
@@ -8,33 +14,46 @@ namespace RecordCore::X264 {
 /// own rate control does not know how long the film is, looks at every frame a second time to guess what it
 /// will cost, and changes the quantiser with every frame, by which what stands still is coded again and
 /// again. Here the quantiser follows what the film has cost so far and what is left to spend, and stays where
-/// it is as long as it can. Pure arithmetic; the same calls give the same quantisers.
+/// it is as long as it can: the most quality for the bits is one quantiser from beginning to end. For that it
+/// must be known where the film is heavy; a rough forecast is enough, its scale is learned. Pure arithmetic;
+/// the same calls give the same quantisers.
 class FilmRate {
 public:
-    /// `seconds`: length of the film; 0 when it is not known.
-    FilmRate(double bitsPerSecond, double seconds);
+    /// `seconds`: length of the film; 0 when it is not known. `forecast`: of each of the film's frames,
+    /// evenly over its length; empty when nothing is known.
+    FilmRate(double bitsPerSecond, double seconds, std::span<const FrameForecast> forecast = {});
 
     enum class Frame { key, change, refinement };
 
     /// The quantiser of the frame shown at `seconds`. Times rise.
     int quantiser(Frame frame, double seconds);
-    /// What the quantiser of the frame asked for last was derived from; to be given back in `coded`.
-    int base() const { return current; }
 
-    /// A frame came out of the encoder. `base` as of when it went in.
-    void coded(std::int64_t bits, int base);
+    /// The next of the frames asked for came out of the encoder.
+    void coded(std::int64_t bits);
 
 private:
+    /// A frame in the encoder.
+    struct Asked {
+        int base;
+        double work; ///< forecast since the frame before
+    };
+    std::size_t frameAt(double seconds) const;
+    double workUntil(double seconds) const;
     double wanted() const;
 
     double rate;
     double length;
+    std::vector<double> work; ///< forecast up to each frame, in seconds of an even film
+    std::vector<int> offsets;
     double now = 0;
+    double asked = 0; ///< work up to the frame asked for last
     double spent = 0; ///< bits
+    std::deque<Asked> encoding;
     // Bits times step size are about the same whatever the quantiser.
     double cost = 0;       ///< of the whole film so far
+    double done = 0;       ///< work so far
     double recentCost = 0; ///< fading
-    double recentTime = 0; ///< seconds, fading alike
+    double recentDone = 0; ///< fading alike
     int current;
 };
 

@@ -14,7 +14,7 @@ namespace RecordCore::X264 {
 /// is sent once more after a moment so that stills are as sharp as the rate allows. Without `freeStills` the
 /// preset's own choices hold (B frames, references) and a repeat is encoded like any frame.
 ///
-/// Presets are the encoder's own; by default "superfast" in real time and "veryfast" for a film.
+/// Presets are the encoder's own; "superfast" when none is asked for.
 std::unique_ptr<VideoEncoder> makeEncoder(const VideoSettings& settings, PacketSink sink);
 
 } // namespace RecordCore::X264
