@@ -71,7 +71,9 @@ private:
             stopped = true;
         }
         wake.notify_one();
-        if (thread.joinable()) thread.join();
+        if (!thread.joinable()) return;
+        sound.interrupt(); // stretching ten seconds takes longer than whoever cancelled should wait
+        thread.join();
     }
 
     void run() {

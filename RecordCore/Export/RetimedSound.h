@@ -35,6 +35,9 @@ public:
     /// asked for; going on where the last call ended is cheapest.
     void read(std::int64_t position, std::span<float> out);
 
+    /// Makes a `read` that is under way return soon, with sound of no use. From any thread; for good.
+    void interrupt() { stretcher->interrupt(); }
+
 private:
     /// A stretch that is read or time-stretched as a whole.
     struct Section {

@@ -279,4 +279,19 @@ TEST(SoundReader, PutsEverySampleInItsPlace) {
     }
 }
 
+TEST(TimeStretcher, IsNotWaitedForOnceInterrupted) {
+    std::vector<float> noise(48000);
+    for (std::size_t i = 0; i < noise.size(); ++i)
+        noise[i] = static_cast<float>((i * 7919) % 1000) / 1000 - 0.5F;
+    const auto silent = [](const std::vector<float>& sound) {
+        return std::all_of(sound.begin(), sound.end(), [](float sample) { return sample == 0; });
+    };
+    const auto stretcher = RubberBand::makeStretcher();
+    EXPECT_FALSE(silent(stretcher->stretch(noise, 12000)));
+    stretcher->interrupt();
+    const std::vector<float> nothing = stretcher->stretch(noise, 12000);
+    EXPECT_EQ(nothing.size(), 24000U);
+    EXPECT_TRUE(silent(nothing)); // no part of it was worked on
+}
+
 } // namespace

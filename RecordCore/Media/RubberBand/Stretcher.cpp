@@ -61,7 +61,7 @@ private:
                     channels[channel][i] = input[(start + i) * soundChannels + channel];
             return count;
         };
-        for (std::size_t start = 0; start < frames; start += blockSize) {
+        for (std::size_t start = 0; start < frames && !interrupted; start += blockSize) {
             const std::size_t count = load(start);
             library.study(pointers.data(), count, start + count == frames);
         }
@@ -79,7 +79,7 @@ private:
                         output[written * soundChannels + channel] = channels[channel][i];
             }
         };
-        for (std::size_t start = 0; start < frames; start += blockSize) {
+        for (std::size_t start = 0; start < frames && !interrupted; start += blockSize) {
             const std::size_t count = load(start);
             library.process(pointers.data(), count, start + count == frames);
             retrieve();
