@@ -2260,6 +2260,14 @@
         <source>This takes a moment.</source>
         <translation>Das dauert einen Moment.</translation>
     </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Back to your recordings; nothing is lost</source>
+        <translation>Zurück zu Ihren Aufnahmen; nichts geht verloren</translation>
+    </message>
 </context>
 <context>
     <name>ZoomPanel</name>
