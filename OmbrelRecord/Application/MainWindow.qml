@@ -44,6 +44,8 @@ Window {
         id: content
         anchors.fill: parent
         focus: true
+        // The editor is made piece by piece between frames, so that nothing halts.
+        asynchronous: screen === 2
 
         readonly property int screen: main.app.screen
         onScreenChanged: show()
