@@ -510,8 +510,12 @@ TEST_F(Walk, TheKeyboardAloneMakesAFilm) {
     program->key({Keys::control, 'e'});
     ASSERT_TRUE(program->object(QStringLiteral("exportNow"))) << program->complaint();
     ASSERT_TRUE(tabToName("Frames a second")) << program->complaint();
-    program->key({Keys::left});
-    program->key({Keys::left});
+    ASSERT_TRUE(eventually(60, [this] {
+        const auto rate = program->named(QStringLiteral("24"));
+        if (rate && rate->checked) return true;
+        program->key({Keys::left});
+        return false;
+    })) << program->complaint();
     ASSERT_TRUE(tabTo("exportNow")) << program->complaint();
     program->key({Keys::enter});
     checkTheFilm(0x1E2129);
