@@ -84,5 +84,6 @@ T.Button {
         FocusRing { shown: control.visualFocus }
     }
 
-    Tooltip { text: control.tip; keys: control.keys; shown: control.hovered || control.visualFocus }
+    // By the keyboard the text is enough; a tip would cover what stands beside it.
+    Tooltip { text: control.tip; keys: control.keys; shown: control.hovered }
 }
