@@ -290,7 +290,7 @@ void TimelineLayer::paintActivity(QPainter& painter, const QRectF& row) const {
     const TimelineScale& scale = shown->scale();
     const std::vector<ActivitySample>& samples = model.recording().samples;
     const double base = std::floor(row.bottom()) - 2;
-    const double reach = row.height() - 8;
+    const double reach = row.height() - 4;
     const double left = std::max(scale.x(0), 0.0);
     const double right = std::min(scale.x(scale.duration), width());
     painter.save();
@@ -299,16 +299,22 @@ void TimelineLayer::paintActivity(QPainter& painter, const QRectF& row) const {
 
     auto sample = std::lower_bound(samples.begin(), samples.end(), scale.time(left),
                                    [](const ActivitySample& each, double time) { return each.t < time; });
-    const QColor quiet = mixed(surface, secondary, 0.55);
+    const QColor quiet = mixed(surface, secondary, 0.5);
     constexpr double step = 2;
+    constexpr double longest = 0.5; // seconds that a sample stands for when the next one stays away
+    ActivitySample latest{-longest, 0, std::nullopt};
+    if (sample != samples.begin()) latest = *std::prev(sample);
     for (double x = std::floor(left); x < right; x += step) {
         const double end = scale.time(x + step);
-        double energy = 0;
-        for (; sample != samples.end() && sample->t < end; ++sample)
+        double energy = scale.time(x) - latest.t < longest ? latest.energy : 0;
+        if (sample != samples.end() && sample->t < end) energy = 0;
+        for (; sample != samples.end() && sample->t < end; ++sample) {
             energy = std::max(energy, sample->energy);
+            latest = *sample;
+        }
         // Small changes matter most: a typed letter is a thousandth of the screen.
         const double height = std::round(reach * std::min(1.0, std::pow(energy, 0.3)));
-        if (height >= 1) painter.fillRect(QRectF(x, base - height, step - 1, height), quiet);
+        if (height >= 1) painter.fillRect(QRectF(x, base - height, step, height), quiet);
     }
     painter.restore();
 
