@@ -166,6 +166,7 @@ class StillRun : public RecordingRun {
 public:
     void start(std::function<void(Started)> done) override { done({}); }
     void stop(std::function<void(Stopped)>) override {}
+    double microphoneLevel() const override { return 0.6; }
 };
 
 WindowInfo window(std::uint32_t id, std::string application, std::string title, ScreenRect frame) {
