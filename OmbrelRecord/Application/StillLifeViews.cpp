@@ -72,7 +72,8 @@ std::vector<Snapshot::View> StillLife::views(const RecordCore::MediaBackend& med
     views.push_back({QStringLiteral("working"),
                      homeSize,
                      QStringLiteral("WorkingView"),
-                     {{QStringLiteral("message"), life->model().workingMessage()}},
+                     {{QStringLiteral("message"), life->model().workingMessage()},
+                      {QStringLiteral("cancellable"), life->model().cancellable()}},
                      {},
                      {}});
     life = make({});
