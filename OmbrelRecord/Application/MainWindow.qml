@@ -44,15 +44,15 @@ Window {
         id: content
         anchors.fill: parent
         focus: true
-        // The editor is made piece by piece between frames, so that nothing halts.
-        asynchronous: screen === 2
-
         readonly property int screen: main.app.screen
         onScreenChanged: show()
         Component.onCompleted: show()
         onLoaded: item.forceActiveFocus()
 
         function show() {
+            // The editor is made piece by piece between frames, so that nothing halts. Set here: a binding to the
+            // screen would be evaluated before or after this as it happens.
+            asynchronous = screen === 2;
             if (screen === 2 && main.app.editor)
                 setSource("EditorView.qml", { editor: main.app.editor });
             else if (screen === 1)
