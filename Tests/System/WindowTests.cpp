@@ -508,7 +508,10 @@ TEST_F(Walk, TheKeyboardAloneMakesAFilm) {
     ASSERT_TRUE(saved([](const Project& now) { return now.solidColor == "#1e2129"; }));
 
     program->key({Keys::control, 'e'});
-    ASSERT_TRUE(program->object(QStringLiteral("exportNow"))) << program->complaint();
+    // The sheet takes the focus when it has come in; who goes on before loses it again.
+    ASSERT_TRUE(program->find(QStringLiteral("the sheet's button in focus"), [](const Program::Item& item) {
+        return item.object == QLatin1String("exportNow") && item.focused;
+    })) << program->complaint();
     ASSERT_TRUE(tabToName("Frames a second")) << program->complaint();
     ASSERT_TRUE(eventually(60, [this] {
         const auto rate = program->named(QStringLiteral("24"));
