@@ -1,6 +1,5 @@
 import QtQuick
 import QtQuick.Window
-import QtQuick.Dialogs
 import OmbrelRecord
 
 /// The one window of the application: home, waiting, or the editor.
@@ -19,6 +18,23 @@ Window {
     minimumWidth: 1080
     minimumHeight: 700
     color: Theme.background
+    // What the toolkit itself draws (its dialog for files) goes with the rest.
+    palette {
+        window: Theme.surface
+        windowText: Theme.text
+        base: Theme.sunken
+        text: Theme.text
+        light: Theme.surface
+        midlight: Theme.sunken
+        mid: Theme.outline
+        dark: Theme.outline
+        button: Theme.sunken
+        buttonText: Theme.text
+        brightText: Theme.text
+        highlight: Theme.accent
+        highlightedText: Theme.text
+        placeholderText: Theme.secondary
+    }
     title: app.screen === 2 && app.editor ? qsTr("%1 — Ombrel Record").arg(app.editor.name) : "Ombrel Record"
 
     LayoutMirroring.enabled: Application.layoutDirection === Qt.RightToLeft
@@ -80,20 +96,13 @@ Window {
         onActivated: main.close()
     }
 
-    // Both are made when they are first needed.
-    Loader {
+    FilePicker {
         id: files
-        function ask() {
-            active = true;
-            item.open();
-        }
-        active: false
-        sourceComponent: FileDialog {
-            title: qsTr("Open a movie")
-            nameFilters: [qsTr("Movies (*.mp4 *.m4v *.mov *.mkv *.webm *.avi *.MP4 *.MOV)"), qsTr("All files (*)")]
-            onAccepted: main.app.openVideo(decodeURIComponent(selectedFile.toString().replace(/^file:\/\//, "")))
-        }
+        title: qsTr("Open a movie")
+        filters: [qsTr("Movies (*.mp4 *.m4v *.mov *.mkv *.webm *.avi *.MP4 *.MOV)"), qsTr("All files (*)")]
+        onChosen: file => main.app.openVideo(decodeURIComponent(file.toString().replace(/^file:\/\//, "")))
     }
+    // Made when it is first needed.
     Loader {
         id: leave
         property bool agreed: false

@@ -1,6 +1,6 @@
 pragma ComponentBehavior: Bound
+import QtCore
 import QtQuick
-import QtQuick.Dialogs
 import OmbrelRecord
 
 /// What lies behind the recording.
@@ -40,7 +40,7 @@ InspectorPanel {
             else if (value === "color")
                 root.use({ solidColor: "#1e2129" });
             else
-                picker.open();
+                picker.ask();
         }
     }
 
@@ -144,7 +144,7 @@ InspectorPanel {
             text: qsTr("Choose another image…")
             tip: qsTr("Takes a picture file from this computer")
             focusPolicy: Qt.TabFocus
-            onClicked: picker.open()
+            onClicked: picker.ask()
         }
     }
 
@@ -159,10 +159,11 @@ InspectorPanel {
 
     Swatch { id: swatches; visible: false; width: 0; height: 0 }
 
-    FileDialog {
+    FilePicker {
         id: picker
         title: qsTr("Choose a background image")
-        nameFilters: [qsTr("Images") + " (*.png *.jpg *.jpeg *.webp *.avif *.tif *.tiff *.bmp)"]
-        onAccepted: root.use({ wallpaper: swatches.pathOf(selectedFile) })
+        filters: [qsTr("Images") + " (*.png *.jpg *.jpeg *.webp *.avif *.tif *.tiff *.bmp)"]
+        folder: StandardPaths.PicturesLocation
+        onChosen: file => root.use({ wallpaper: swatches.pathOf(file) })
     }
 }

@@ -1,6 +1,5 @@
 pragma ComponentBehavior: Bound
 import QtQuick
-import QtQuick.Dialogs
 import OmbrelRecord
 
 /// What is said, as text on the film.
@@ -261,17 +260,17 @@ InspectorPanel {
     }
 
     function save(kind) {
-        target.defaultSuffix = kind;
-        target.nameFilters = [kind === "srt" ? qsTr("SubRip (*.srt)") : qsTr("WebVTT (*.vtt)")];
-        target.open();
+        target.name = root.editor.name + "." + kind;
+        target.filters = [kind === "srt" ? qsTr("SubRip (*.srt)") : qsTr("WebVTT (*.vtt)")];
+        target.ask();
     }
 
-    FileDialog {
+    FilePicker {
         id: target
         title: qsTr("Save captions")
-        fileMode: FileDialog.SaveFile
-        onAccepted: {
-            const failure = root.editor.saveCaptions(selectedFile);
+        save: true
+        onChosen: file => {
+            const failure = root.editor.saveCaptions(file);
             root.saved = failure.length > 0 ? failure : qsTr("Saved.");
         }
     }
