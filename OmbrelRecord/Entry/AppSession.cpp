@@ -7,7 +7,6 @@
 #include "OmbrelRecord/Entry/Resources.h"
 #include "OmbrelRecord/Entry/SpeechBackends.h"
 #include "OmbrelRecord/Transcriber/Transcriber.h"
-#include "RecordCore/Capture/PulseAudio/PulseOutput.h"
 #include "RecordCore/Capture/RecordingRecovery.h"
 #include "RecordCore/Export/Exporter.h"
 
@@ -45,7 +44,7 @@ AppSession::AppSession() :
     mediaBackend(makeMediaBackend()), services(makeCaptureServices()),
     speech(makeSpeechEngine(*mediaBackend)), sources(*services.screen),
     cameras(services.cameras.get(), devices), thumbnails(*mediaBackend, stillsFolder()),
-    updates(Updates::Source::ofBuild()), loader(*mediaBackend, editorParts()),
+    updates(Updates::Source::ofBuild(), verifySignature), loader(*mediaBackend, editorParts()),
     appModel(std::make_unique<AppModel>(appParts())) {}
 
 AppSession::~AppSession() = default;
@@ -65,7 +64,7 @@ EditorParts AppSession::editorParts() {
         log(fmt::format("export: {} frames, {:.1f} s in {:.1f} s", stats.frames, stats.outputSeconds,
                         stats.wallSeconds));
     };
-    parts.makePreview = EditorPlayer::factory(mediaBackend, [] { return std::make_unique<PulseOutput>(); });
+    parts.makePreview = EditorPlayer::factory(mediaBackend, [] { return makeSoundOutput(log); });
     // What the user is not told of a failure goes to the log.
     const auto listen = [this](const auto& work) {
         try {

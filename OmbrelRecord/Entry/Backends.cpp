@@ -1,8 +1,7 @@
 #include "OmbrelRecord/Entry/Backends.h"
 
-#include "RecordCore/Media/FFmpeg/FFmpegMedia.h"
-#include "RecordCore/Media/RubberBand/Stretcher.h"
-#include "RecordCore/Media/X264/X264Encoder.h"
+#include "OmbrelRecord/Entry/Module.h"
+#include "OmbrelRecord/Entry/Modules/Modules.h"
 
 #include <utility>
 
@@ -12,46 +11,55 @@ using namespace RecordCore;
 
 namespace {
 
-class DesktopMedia final : public MediaBackend {
+/// Stands in for the media module, which takes a hundred libraries with it, until something is to be read or
+/// written.
+class LaterMedia final : public MediaBackend {
 public:
     SourceInfo sourceInfo(const std::filesystem::path& file) const override {
-        return FFmpeg::sourceInfo(file);
+        return media().sourceInfo(file);
     }
 
     std::unique_ptr<VideoReader> openVideo(const std::filesystem::path& file, int threads) const override {
-        return FFmpeg::openVideo(file, threads);
+        return media().openVideo(file, threads);
     }
 
     std::vector<std::unique_ptr<SoundReader>> openSound(const std::filesystem::path& file) const override {
-        return FFmpeg::openSound(file);
+        return media().openSound(file);
     }
 
     std::unique_ptr<VideoEncoder> makeVideoEncoder(const VideoSettings& settings,
                                                    PacketSink sink) const override {
-        // libx264 is driven directly for what its usual front ends do not offer.
-        if (settings.codec == Codec::h264 && !settings.hardware)
-            return X264::makeEncoder(settings, std::move(sink));
-        return FFmpeg::makeVideoEncoder(settings, std::move(sink));
+        return media().makeVideoEncoder(settings, std::move(sink));
     }
 
     std::unique_ptr<SoundEncoder> makeSoundEncoder(std::int64_t bitrate, PacketSink sink) const override {
-        return FFmpeg::makeSoundEncoder(bitrate, std::move(sink));
+        return media().makeSoundEncoder(bitrate, std::move(sink));
     }
 
     std::unique_ptr<MovieWriter> createMovie(const std::filesystem::path& file,
                                              MovieLayout layout) const override {
-        return FFmpeg::createMovie(file, layout);
+        return media().createMovie(file, layout);
     }
 
-    std::unique_ptr<TimeStretcher> makeTimeStretcher() const override { return RubberBand::makeStretcher(); }
+    std::unique_ptr<TimeStretcher> makeTimeStretcher() const override { return media().makeTimeStretcher(); }
 
-    bool recoverMovie(const std::filesystem::path& file) const override { return FFmpeg::recoverMovie(file); }
+    bool recoverMovie(const std::filesystem::path& file) const override { return media().recoverMovie(file); }
+
+private:
+    static const MediaBackend& media() {
+        static const std::unique_ptr<const MediaBackend> backend = module<Modules::Media>().media();
+        return *backend;
+    }
 };
 
 } // namespace
 
 std::shared_ptr<const MediaBackend> makeMediaBackend() {
-    return std::make_shared<DesktopMedia>();
+    return std::make_shared<LaterMedia>();
+}
+
+bool verifySignature(std::string_view bytes, std::string_view signature, std::string_view publicKey) {
+    return module<Modules::Signature>().isSigned(bytes, signature, publicKey);
 }
 
 } // namespace OmbrelRecord

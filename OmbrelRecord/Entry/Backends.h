@@ -3,11 +3,15 @@
 #include "RecordCore/Media/MediaBackend.h"
 
 #include <memory>
+#include <string_view>
 
 namespace OmbrelRecord {
 
 /// The readers, encoders and writers of this build: the one place where the engine's interfaces and the
-/// libraries behind them meet.
+/// libraries behind them meet. Loads nothing yet: that happens at the first call of what it returns.
 std::shared_ptr<const RecordCore::MediaBackend> makeMediaBackend();
+
+/// `isSigned` of Updates/Signature.h. Throws RecordingError when its module cannot be had.
+bool verifySignature(std::string_view bytes, std::string_view signature, std::string_view publicKey);
 
 } // namespace OmbrelRecord

@@ -4,6 +4,7 @@
 #include "RecordCore/Capture/RecordingSession.h"
 #include "RecordCore/Capture/ScreenBackend.h"
 #include "RecordCore/Capture/SoundStream.h"
+#include "RecordCore/Media/SoundOutput.h"
 
 #include <functional>
 #include <memory>
@@ -22,7 +23,10 @@ struct CaptureServices {
                                                    std::function<void(const std::string&)> log) const;
 };
 
-/// Does not connect to anything yet.
+/// Loads nothing and does not connect to anything yet.
 CaptureServices makeCaptureServices();
+
+/// The user's sound output; silence, told to `log`, where it cannot be had. Throws nothing.
+std::unique_ptr<RecordCore::SoundOutput> makeSoundOutput(const std::function<void(const std::string&)>& log);
 
 } // namespace OmbrelRecord

@@ -1,7 +1,9 @@
 #include "OmbrelRecord/Entry/DesktopHotKey.h"
 
 #include "OmbrelRecord/AppModel/PlatformText.h"
-#include "RecordCore/Capture/X11/X11HotKey.h"
+#include "OmbrelRecord/Entry/Module.h"
+#include "OmbrelRecord/Entry/Modules/Modules.h"
+#include "RecordCore/Model/RecordingError.h"
 
 #include <cstdlib>
 #include <fmt/format.h>
@@ -18,14 +20,11 @@ bool onWayland() {
 
 } // namespace
 
-DesktopHotKey::DesktopHotKey() = default;
-DesktopHotKey::~DesktopHotKey() = default;
-
 std::string DesktopHotKey::grab() {
     // There an X grab would work over X windows only, which is worse than none.
     if (onWayland()) return std::string(PlatformText::hotKeyOnWayland);
     try {
-        key = std::make_unique<RecordCore::X11HotKey>('r', [this, to = mailbox.address()] {
+        key = module<Modules::Screen>().hotKey('r', [this, to = mailbox.address()] {
             to.post([this] {
                 if (onPressed) onPressed();
             });

@@ -5,22 +5,16 @@
 
 #include <memory>
 
-namespace RecordCore {
-class X11HotKey;
-}
-
 namespace OmbrelRecord {
 
 /// Super+Alt+R on the desktop of the session. Main thread.
 class DesktopHotKey : public HotKey {
 public:
-    DesktopHotKey();
-    ~DesktopHotKey() override;
     std::string grab() override;
 
 private:
     Mailbox mailbox;
-    std::unique_ptr<RecordCore::X11HotKey> key;
+    std::shared_ptr<void> key; ///< the combination is ours while it lives
 };
 
 } // namespace OmbrelRecord

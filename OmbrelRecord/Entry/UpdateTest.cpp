@@ -1,3 +1,4 @@
+#include "OmbrelRecord/Entry/Backends.h"
 #include "OmbrelRecord/Entry/Jobs.h"
 #include "OmbrelRecord/Updates/Updates.h"
 #include "RecordCore/Model/AtomicFile.h"
@@ -27,7 +28,8 @@ struct Outcome {
 };
 
 Outcome ask(const fs::path& feed, const std::string& key) {
-    Updates updates({QUrl::fromLocalFile(QString::fromStdString(feed.string())), key, OMBREL_VERSION});
+    Updates updates({QUrl::fromLocalFile(QString::fromStdString(feed.string())), key, OMBREL_VERSION},
+                    verifySignature);
     QEventLoop loop;
     QObject::connect(&updates, &Updates::changed, &loop, [&] {
         if (updates.state() != Updates::State::checking) loop.quit();

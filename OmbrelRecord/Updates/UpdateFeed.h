@@ -21,10 +21,6 @@ struct Release {
 /// version is never newer.
 bool isNewer(std::string_view version, std::string_view than);
 
-/// Whether an Ed25519 signature (RFC 8032; 64 bytes) of exactly these bytes was made with the private half of
-/// a public key (32 bytes). Any thread.
-bool isSigned(std::string_view bytes, std::string_view signature, std::string_view publicKey);
-
 /// What a text in base64 stands for; empty when it is none.
 std::string fromBase64(std::string_view text);
 

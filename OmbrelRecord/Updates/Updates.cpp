@@ -1,5 +1,6 @@
 #include "OmbrelRecord/Updates/Updates.h"
 
+#include <QtNetwork/QNetworkAccessManager>
 #include <QtNetwork/QNetworkReply>
 #include <QtNetwork/QNetworkRequest>
 #include <exception>
@@ -18,9 +19,11 @@ Updates::Source Updates::Source::ofBuild() {
     return {QUrl(QStringLiteral(OMBREL_UPDATE_FEED)), fromBase64(OMBREL_UPDATE_KEY), OMBREL_VERSION};
 }
 
-Updates::Updates(Source from, QObject* parent) :
-    QObject(parent), source(std::move(from)),
+Updates::Updates(Source from, Verify with, QObject* parent) :
+    QObject(parent), source(std::move(from)), verify(std::move(with)),
     now(source.feed.isEmpty() || source.key.empty() ? State::off : State::idle) {}
+
+Updates::~Updates() = default;
 
 void Updates::check() {
     if (now == State::off || now == State::checking) return;
@@ -33,7 +36,8 @@ void Updates::fetch(const QUrl& url, void (Updates::*then)(const QByteArray&)) {
         return fail(QStringLiteral("%1 is neither https nor a file").arg(url.toString()));
     QNetworkRequest request(url);
     request.setTransferTimeout(patience);
-    QNetworkReply* reply = network.get(request);
+    if (!network) network = std::make_unique<QNetworkAccessManager>();
+    QNetworkReply* reply = network->get(request);
     connect(reply, &QNetworkReply::downloadProgress, this, [reply](qint64 received, qint64) {
         if (received > longestFeed) reply->abort();
     });
@@ -55,9 +59,9 @@ void Updates::gotFeed(const QByteArray& bytes) {
 
 void Updates::gotSignature(const QByteArray& bytes) {
     const std::string text = feed.toStdString();
-    if (!isSigned(text, fromBase64(bytes.toStdString()), source.key))
-        return fail(QStringLiteral("the update feed is not signed by the makers of this program"));
     try {
+        if (!verify(text, fromBase64(bytes.toStdString()), source.key))
+            return fail(QStringLiteral("the update feed is not signed by the makers of this program"));
         release = Release::read(text);
     } catch (const std::exception& error) {
         return fail(QString::fromUtf8(error.what()));

@@ -5,9 +5,12 @@
 #include <QtCore/QObject>
 #include <QtCore/QString>
 #include <QtCore/QUrl>
-#include <QtNetwork/QNetworkAccessManager>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
 
-class QNetworkReply;
+class QNetworkAccessManager;
 
 namespace OmbrelRecord {
 
@@ -42,7 +45,14 @@ public:
         static Source ofBuild();
     };
 
-    explicit Updates(Source source, QObject* parent = nullptr);
+    /// Whether these bytes bear that signature by that key, as `isSigned` of Signature.h tells. Throws
+    /// RecordingError when it cannot be told.
+    using Verify =
+        std::function<bool(std::string_view bytes, std::string_view signature, std::string_view key)>;
+
+    Updates(Source source, Verify verify, QObject* parent = nullptr);
+
+    ~Updates() override;
 
     State state() const { return now; }
     QString version() const { return QString::fromStdString(release.version); }
@@ -64,7 +74,8 @@ private:
     void enter(State state);
 
     Source source;
-    QNetworkAccessManager network;
+    Verify verify;
+    std::unique_ptr<QNetworkAccessManager> network; ///< made when something is fetched
     State now;
     QByteArray feed;
     Release release;

@@ -1,3 +1,4 @@
+#include "OmbrelRecord/Updates/Signature.h"
 #include "OmbrelRecord/Updates/Updates.h"
 #include "RecordCore/Model/AtomicFile.h"
 #include "RecordCore/Model/RecordingError.h"
@@ -49,7 +50,8 @@ TEST(Updates, OnlyASignedFeedOfALaterReleaseIsAnUpdate) {
         writeFileAtomically(folder / "feed.json", test.feed);
         writeFileAtomically(folder / "feed.json.sig", test.signature);
         Updates updates({QUrl::fromLocalFile(QString::fromStdString((folder / "feed.json").string())),
-                         fromBase64(test.key), test.program});
+                         fromBase64(test.key), test.program},
+                        isSigned);
         updates.check();
         while (updates.state() == State::checking)
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
@@ -63,7 +65,7 @@ TEST(Updates, OnlyASignedFeedOfALaterReleaseIsAnUpdate) {
 }
 
 TEST(Updates, NobodyIsAskedInTheClear) {
-    Updates updates({QUrl(QStringLiteral("http://localhost/feed.json")), fromBase64(key), "0.1.0"});
+    Updates updates({QUrl(QStringLiteral("http://localhost/feed.json")), fromBase64(key), "0.1.0"}, isSigned);
     updates.check();
     EXPECT_EQ(updates.state(), State::failed);
 }
