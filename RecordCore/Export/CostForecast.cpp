@@ -69,11 +69,11 @@ std::vector<FrameForecast> costForecast(const Scene& scene, double fps,
     frames.reserve(static_cast<std::size_t>(count));
     KeySizes keys(stored);
     std::size_t next = 0;
-    NRect before = scene.view(0);
+    NRect before = scene.drawnView(0);
     for (std::int64_t i = 0; i < count; ++i) {
         const double seconds = static_cast<double>(i) / fps;
         const double source = scene.times().sourceTime(seconds);
-        const NRect view = scene.view(seconds);
+        const NRect view = scene.drawnView(seconds);
         const double key = keys.at(source);
         const double moved = motion(before, view);
         double changed = 0;

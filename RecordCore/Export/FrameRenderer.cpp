@@ -33,7 +33,7 @@ const Picture& composeFrame(const Scene& scene, Canvas& canvas, FrameCursor& sou
     SourceHints hints;
     hints.sameSource = source.same();
     hints.sameCamera = cameraPicture && camera->same();
-    return canvas.frame(frame->picture, scene.state(seconds), cameraPicture, hints);
+    return canvas.frame(frame->picture, scene.drawn(seconds), cameraPicture, hints);
 }
 
 FrameRenderer::FrameRenderer(const Parts& parts, std::function<void(double)> progress) :

@@ -1,6 +1,7 @@
 #include "RecordCore/Motion/Scene.h"
 
 #include "RecordCore/Model/Clock.h"
+#include "RecordCore/Model/OutputFormat.h"
 
 #include <algorithm>
 #include <cmath>
@@ -28,6 +29,8 @@ Scene::Scene(const Plan& plan, const Project& project, const std::optional<Input
     clickBounce(project.clickBounce), cameraMakeRoom(project.cameraMakeRoom),
     showTitle(project.showTitle && !project.title.empty()),
     showEnd(project.showEnd && !project.endTitle.empty()) {
+    const CanvasRect rect = window(project.outputFormat(), plan.source.aspect(), project.padding);
+    settled = SettledPath(camera, rect.width, rect.height);
     if (log) pointer = PointerTrack::of(project.cropped(*log), map, project, fps);
     if (project.showClock) {
         const std::vector<TimeRange> kept = project.kept(plan.source.duration);
@@ -43,9 +46,9 @@ std::string Scene::clock(double seconds) {
     return RecordCore::clock(seconds);
 }
 
-FrameState Scene::state(double seconds) const {
+FrameState Scene::state(double seconds, const NRect& view) const {
     FrameState state;
-    state.view = camera.view(seconds);
+    state.view = view;
     const double source = map.sourceTime(seconds);
     state.pill = pill(source);
 

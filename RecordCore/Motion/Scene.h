@@ -22,9 +22,13 @@ public:
     /// `log` is the input log as recorded; the scene crops it. `fps` is the rate of the per-frame tables.
     Scene(const Plan& plan, const Project& project, const std::optional<InputLog>& log, double fps);
 
-    FrameState state(double seconds) const;
+    FrameState state(double seconds) const { return state(seconds, camera.view(seconds)); }
+
+    /// The same as it is drawn, by film, still and preview alike: the camera stands where it would move by
+    /// less than can be seen.
+    FrameState drawn(double seconds) const { return state(seconds, drawnView(seconds)); }
     /// Its view alone.
-    NRect view(double seconds) const { return camera.view(seconds); }
+    NRect drawnView(double seconds) const { return settled.view(camera, seconds); }
 
     const TimeMap& times() const { return map; }
     double outputDuration() const { return map.outputDuration(); }
@@ -36,6 +40,7 @@ public:
     static std::string clock(double seconds);
 
 private:
+    FrameState state(double seconds, const NRect& view) const;
     std::optional<FrameState::Pill> pill(double source) const;
     std::optional<FrameState::Caption> caption(double seconds) const;
 
@@ -43,6 +48,7 @@ private:
     double fps;
     double fullWidth; ///< width of the view at zoom 1
     CameraPath camera;
+    SettledPath settled;
     std::optional<PointerTrack> pointer;
     std::vector<CaptionLayout::Line> captions;
     double cursorSize;

@@ -88,7 +88,7 @@ bool PreviewRenderer::compose(const PlanarView& source, const PlanarView* camera
         ++canvasNumber;
         bandVersions.assign(static_cast<std::size_t>(canvas->blocksDown()), version);
     }
-    const FrameState state = scene->state(at);
+    const FrameState state = scene->drawn(at);
     shownView = state.view;
     canvas->frame(source, state, camera, hints);
     isChanged = canvas->changed();

@@ -221,7 +221,7 @@ public:
 
     Picture frame(std::int64_t number) {
         const double seconds = static_cast<double>(number) / filmRate;
-        const FrameState state = scene.state(seconds);
+        const FrameState state = scene.drawn(seconds);
         note(state, seconds);
         const PlanarView* cameraPicture = camera ? camera->at(seconds) : nullptr;
         if (cameraPicture) seen.insert("camera");
@@ -235,7 +235,7 @@ public:
 private:
     void note(const FrameState& state, double seconds) {
         if (state.view.w < 0.9 * scene.state(0).view.w) seen.insert("zoom");
-        if (seconds > 0 && state.view != scene.state(seconds - 1 / filmRate).view) seen.insert("moving view");
+        if (seconds > 0 && state.view != scene.drawn(seconds - 1 / filmRate).view) seen.insert("moving view");
         if (state.pointer && state.pointer->opacity > 0.5) seen.insert("pointer");
         if (!state.ripples.empty()) seen.insert("ripple");
         if (state.pill) seen.insert("pill");

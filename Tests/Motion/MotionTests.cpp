@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 
 using namespace RecordCore;
 using Reason = SpeedSegment::Reason;
@@ -89,6 +90,105 @@ TEST(CameraPath, hasAViewForEveryFrameAndInterpolates) {
     EXPECT_EQ(path.view(1000), path.views.back());
     EXPECT_EQ(path.view(-5), path.views.front());
     EXPECT_EQ(CameraPath::of(Plan(), 60, 4.6).views.size(), 1U);
+}
+
+namespace {
+
+/// The largest distance, in canvas pixels, by which a point of the picture stands elsewhere under another
+/// view.
+double displacement(const NRect& view, const NRect& other, double width, double height) {
+    return std::max({std::abs(view.x - other.x) / view.w * width,
+                     std::abs(view.y - other.y) / view.h * height,
+                     std::abs(view.x + view.w - other.x - other.w) / view.w * width,
+                     std::abs(view.y + view.h - other.y - other.h) / view.h * height});
+}
+
+} // namespace
+
+TEST(SettledPath, restsWhereNobodySeesItMove) {
+    Plan plan = asRecorded(20);
+    // In, aside by a little, out again, and a view that is left before it is reached.
+    plan.shots = {{0, NRect::full()}, {1, {0.25, 0.25, 0.5, 0.5}}, {5, {0.26, 0.25, 0.5, 0.5}},
+                  {9, NRect::full()}, {13, {0.1, 0.4, 0.6, 0.6}},  {13.8, {0.3, 0.1, 0.55, 0.55}}};
+    const CameraPath path = CameraPath::of(plan, 60, 4.6);
+    constexpr double width = 1845, height = 1038;
+    const SettledPath settled(path, width, height);
+
+    int moves = 0, steps = 0;
+    double largestStep = 0;
+    for (int i = 0; i < 1200; ++i) {
+        SCOPED_TRACE(i);
+        const NRect view = settled.view(path, i / 60.0);
+        ASSERT_LE(displacement(path.views[static_cast<std::size_t>(i)], view, width, height),
+                  1.0 / 16 * 1.001);
+        if (i == 0) continue;
+        const NRect before = settled.view(path, (i - 1) / 60.0);
+        const NRect raw = path.views[static_cast<std::size_t>(i)];
+        const double moved = displacement(path.views[static_cast<std::size_t>(i - 1)], raw, width, height);
+        moves += moved > 1e-4;
+        if (view == before) continue;
+        ++steps;
+        // What is seen to move moves as before: never further at once than a little more than the camera
+        // does.
+        EXPECT_LE(displacement(before, view, width, height), moved * 1.001 + 1.0 / 8);
+        if (moved < 1.0 / 16) largestStep = std::max(largestStep, displacement(before, view, width, height));
+    }
+    // Five movements take about three seconds each until the last ten-thousandth of a pixel.
+    EXPECT_GT(moves, 700);
+    EXPECT_LT(steps, moves * 2 / 3);
+    EXPECT_LT(largestStep, 0.2);
+
+    // Where the path rests it is kept to the last bit that matters.
+    EXPECT_EQ(settled.view(path, 0.5), NRect::full());
+    const struct {
+        double seconds;
+        NRect place;
+    } rests[]{{4.98, {0.25, 0.25, 0.5, 0.5}}, {8.9, {0.26, 0.25, 0.5, 0.5}}, {12.9, NRect::full()}};
+    for (const auto& [seconds, place] : rests) {
+        EXPECT_LT(displacement(settled.view(path, seconds), place, width, height), 1e-3) << seconds;
+        EXPECT_EQ(settled.view(path, seconds - 0.5), settled.view(path, seconds)) << seconds;
+    }
+}
+
+TEST(SettledPath, answersForAnyTime) {
+    Plan plan = asRecorded(4);
+    plan.shots = {{0, NRect::full()}, {1, {0.25, 0.25, 0.5, 0.5}}};
+    for (const double fps : {60.0, 30.0, 59.94}) {
+        const CameraPath path = CameraPath::of(plan, fps, 4.6);
+        const SettledPath settled(path, 1845, 1038);
+        // A frame's own time is that frame's, however it was calculated.
+        for (int i = 1; i < 4 * fps; ++i) {
+            const double seconds = i / fps;
+            EXPECT_EQ(settled.view(path, std::nextafter(seconds, 0)), settled.view(path, seconds));
+            EXPECT_EQ(settled.view(path, std::nextafter(seconds, 9)), settled.view(path, seconds));
+        }
+        const NRect a = settled.view(path, 70 / fps), b = settled.view(path, 71 / fps);
+        EXPECT_NEAR(settled.view(path, 70.25 / fps).w, a.w * 0.75 + b.w * 0.25, 1e-12);
+        EXPECT_EQ(settled.view(path, -3), settled.view(path, 0));
+        EXPECT_EQ(settled.view(path, 1e9), settled.view(path, 4));
+    }
+    // Views that cannot be computed with are handed on as they are.
+    CameraPath broken{60, std::vector<NRect>(3, NRect{0, 0, 0, 0})};
+    broken.views[1] = {0.5, 0.5, std::numeric_limits<double>::quiet_NaN(), 1};
+    const SettledPath settled(broken, 1845, 1038);
+    EXPECT_EQ(settled.view(broken, 2 / 60.0), broken.views[2]);
+}
+
+TEST(Scene, drawsTheSettledViewAndAllThatFollowsIt) {
+    Plan plan = asRecorded(6);
+    plan.shots = {{0, NRect::full()}, {1, {0.25, 0.25, 0.5, 0.5}}};
+    const Scene scene(plan, Project(), std::nullopt, 60);
+    int stood = 0;
+    for (int i = 61; i < 360; ++i) {
+        const FrameState exact = scene.state(i / 60.0), drawn = scene.drawn(i / 60.0);
+        EXPECT_EQ(drawn.view, scene.drawnView(i / 60.0));
+        EXPECT_NEAR(drawn.cameraScale, exact.cameraScale, 1e-3);
+        const FrameState before = scene.drawn((i - 1) / 60.0);
+        if (drawn.view != before.view) continue;
+        ++stood;
+        EXPECT_EQ(drawn.cameraScale, before.cameraScale) << "the bubble rests with the camera";
+    }
+    EXPECT_GT(stood, 150);
 }
 
 TEST(PointerTrack, isDrawnOnlyWhenItIsNotInThePicture) {
