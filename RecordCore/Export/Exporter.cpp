@@ -1,25 +1,21 @@
 #include "RecordCore/Export/Exporter.h"
 
 #include "RecordCore/Export/CostForecast.h"
-#include "RecordCore/Export/FrameRenderer.h"
+#include "RecordCore/Export/FilmEncoders.h"
 #include "RecordCore/Export/LoadedRecording.h"
+#include "RecordCore/Export/RangeWorkers.h"
 #include "RecordCore/Export/RetimedSound.h"
+#include "RecordCore/Export/SoundPump.h"
 #include "RecordCore/Export/Timeline.h"
+#include "RecordCore/Model/Processors.h"
 #include "RecordCore/Model/RecordingError.h"
 #include "RecordCore/Planning/CaptionLayout.h"
-
-#include <fmt/format.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <condition_variable>
-#include <exception>
-#include <limits>
-#include <mutex>
 #include <numeric>
 #include <optional>
-#include <thread>
 #include <utility>
 
 namespace RecordCore::Exporter {
@@ -27,8 +23,7 @@ namespace RecordCore::Exporter {
 namespace {
 
 constexpr std::int64_t soundBitrate = 192'000;
-/// Sound is encoded at most this far ahead of the picture: the muxer holds what is ahead in memory.
-constexpr double soundLead = 2.0; ///< seconds
+constexpr std::int64_t framesPerReport = 30;
 
 /// The time base in which frame i of a film has the time stamp i.
 TimeBase frameTimeBase(double fps) {
@@ -38,91 +33,47 @@ TimeBase frameTimeBase(double fps) {
     return {num / divisor, den / divisor};
 }
 
-/// Encodes the film's sound on a thread of its own, a little ahead of the picture.
-class SoundPump {
-public:
-    SoundPump(RetimedSound& sound, SoundEncoder& encoder) :
-        sound(sound), encoder(encoder), thread([this] { run(); }) {}
-
-    ~SoundPump() { stop(); }
-    SoundPump(const SoundPump&) = delete;
-    SoundPump& operator=(const SoundPump&) = delete;
-
-    /// The picture has come to `seconds`.
-    void pictureAt(double seconds) {
-        {
-            const std::lock_guard lock(mutex);
-            allowed = seconds + soundLead;
-        }
-        wake.notify_one();
-    }
-
-    /// Lets the sound run to its end and throws what went wrong with it.
-    void finish() {
-        pictureAt(std::numeric_limits<double>::infinity());
-        thread.join();
-        if (failure) std::rethrow_exception(failure);
-    }
-
-private:
-    void stop() {
-        {
-            const std::lock_guard lock(mutex);
-            stopped = true;
-        }
-        wake.notify_one();
-        if (!thread.joinable()) return;
-        sound.interrupt(); // stretching ten seconds takes longer than whoever cancelled should wait
-        thread.join();
-    }
-
-    void run() {
-        try {
-            constexpr std::int64_t block = 4096;
-            std::vector<float> samples(static_cast<std::size_t>(block) * soundChannels);
-            const std::int64_t length = sound.length();
-            for (std::int64_t position = 0; position < length; position += block) {
-                if (!waitFor(static_cast<double>(position) / soundRate)) return;
-                const auto frames = static_cast<std::size_t>(std::min(block, length - position));
-                const std::span<float> part(samples.data(), frames * soundChannels);
-                sound.read(position, part);
-                encoder.encode(part);
-            }
-            encoder.finish();
-        } catch (...) {
-            failure = std::current_exception();
-        }
-    }
-
-    bool waitFor(double seconds) {
-        std::unique_lock lock(mutex);
-        wake.wait(lock, [&] { return stopped || seconds <= allowed; });
-        return !stopped;
-    }
-
-    RetimedSound& sound;
-    SoundEncoder& encoder;
-    std::exception_ptr failure; ///< read after the thread has ended
-
-    std::mutex mutex; ///< guards the two below
-    double allowed = soundLead;
-    bool stopped = false;
-    std::condition_variable wake;
-
-    std::thread thread;
+/// How many ranges are made at the same time, and with how many threads each for decoding and composing (0:
+/// as many as suit the machine). One range's own threads fill two or three processors; more are kept busy by
+/// more ranges.
+struct Shares {
+    int workers = 1;
+    int threads = 0;
 };
 
-/// In hardware where it is wanted and opens, else in software; `settings` then says which it was.
-std::unique_ptr<VideoEncoder> openEncoder(const MediaBackend& media, VideoSettings& settings,
-                                          PacketSink sink) {
-    if (settings.hardware) {
-        try {
-            return media.makeVideoEncoder(settings, sink);
-        } catch (const RecordingError&) {
-            settings.hardware = false;
+Shares sharesFor(int wanted, std::size_t ranges) {
+    constexpr int fewProcessors = 4; ///< with less than this one range at a time does it
+    constexpr int mostWorkers = 8;   ///< each takes memory, and begins a step after the one before
+    const int machine = processors();
+    int workers = machine < fewProcessors ? 1 : std::min(machine / 2, mostWorkers);
+    if (wanted > 0) workers = wanted;
+    workers = static_cast<int>(std::min(static_cast<std::size_t>(workers), ranges));
+    return {workers, workers > 1 ? std::max(machine / workers, 1) : 0};
+}
+
+std::vector<double> keyTimes(const std::vector<VideoReader::Stored>& stored) {
+    std::vector<double> times;
+    for (const VideoReader::Stored& frame : stored)
+        if (frame.key) times.push_back(frame.time);
+    return times;
+}
+
+/// Writes the picture's packets until all are there, in step with the sound.
+void writePicture(MovieWriter& movie, int track, const TimeBase& timeBase, PacketQueue& packets,
+                  RangeWorkers& workers, SoundPump* sound,
+                  const std::function<void(std::int64_t)>& progress) {
+    constexpr std::chrono::milliseconds pause{25}; // until it is looked whether to go on
+    while (!packets.ended()) {
+        for (const PacketQueue::Stored& packet : packets.take(pause)) {
+            const double seconds = timeBase.seconds(packet.pts);
+            if (sound) sound->pictureAt(seconds);
+            while (sound && !sound->follows(seconds, pause))
+                workers.check();
+            movie.write(track, packet.packet());
         }
+        workers.check();
+        progress(workers.framesDone());
     }
-    return media.makeVideoEncoder(settings, std::move(sink));
 }
 
 } // namespace
@@ -149,24 +100,30 @@ CompositorSettings compositorSettings(const Plan& plan, const Project& project, 
 }
 
 ExportStats run(const MediaBackend& media, const std::filesystem::path& source, const Plan& plan,
-                const ExportOptions& options, const std::filesystem::path& destination, const Hooks& hooks) {
+                const ExportOptions& options, const std::filesystem::path& destination, const Hooks& hooks,
+                const Sharing& sharing) {
     const auto started = std::chrono::steady_clock::now();
     requireFilm(plan, options.fps);
-
-    FrameCursor frames(media.openVideo(source));
-    std::optional<CameraSource> camera;
-    if (options.camera && options.project.cameraShow)
-        camera.emplace(media.openVideo(*options.camera), plan,
-                       options.log ? options.log->cameraOffset.value_or(0) : 0);
-    const auto compositor = std::make_shared<const Compositor>(
-        compositorSettings(plan, options.project, frames.info(), options.scale, options.watermark,
-                           camera.has_value(), source.parent_path()));
-    Canvas canvas(compositor);
     const Scene scene(plan, options.project, options.log, options.fps);
+    const std::int64_t frameCount = scene.frameCount();
+    const int keyInterval = static_cast<int>(2 * options.fps);
+    const Shares shares =
+        sharesFor(sharing.workers, filmRanges(frameCount, keyInterval, sharing.keysPerRange).size());
+
+    const auto open = [&](int threads) {
+        RangeWorkers::Sources sources{FrameCursor(media.openVideo(source, threads)), {}};
+        if (options.camera && options.project.cameraShow)
+            sources.camera.emplace(media.openVideo(*options.camera, threads), plan,
+                                   options.log ? options.log->cameraOffset.value_or(0) : 0);
+        return sources;
+    };
+    RangeWorkers::Sources first = open(shares.threads);
+    const std::vector<VideoReader::Stored> stored = first.screen.stored();
+    const auto compositor = std::make_shared<const Compositor>(
+        compositorSettings(plan, options.project, first.screen.info(), options.scale, options.watermark,
+                           first.camera.has_value(), source.parent_path()));
 
     const std::unique_ptr<MovieWriter> movie = media.createMovie(destination, MovieLayout::film);
-    int videoTrack = -1;
-    int soundTrack = -1;
 
     VideoSettings video;
     video.width = compositor->width();
@@ -174,14 +131,17 @@ ExportStats run(const MediaBackend& media, const std::filesystem::path& source, 
     video.timeBase = frameTimeBase(options.fps);
     video.frameRate = options.fps;
     video.bitrate = options.bitrate.value_or(defaultBitrate(video.width, video.height, options.fps));
-    video.expectedEnd = scene.frameCount();
-    video.keyInterval = static_cast<int>(2 * options.fps);
-    video.forecast = costForecast(scene, options.fps, frames.stored(), video.keyInterval);
+    video.expectedEnd = frameCount;
+    video.keyInterval = keyInterval;
+    video.forecast = costForecast(scene, options.fps, stored, keyInterval);
     video.hardware = options.hardware;
-    const std::unique_ptr<VideoEncoder> encoder =
-        openEncoder(media, video, [&](const Packet& packet) { movie->write(videoTrack, packet); });
-    videoTrack = movie->addTrack(encoder->description());
+    std::optional<PacketQueue> packets;
+    FilmEncoders encoders(media, video, sharing.keysPerRange,
+                          [&](std::size_t range, const Packet& packet) { packets->put(range, packet); });
+    packets.emplace(encoders.ranges().size());
+    const int videoTrack = movie->addTrack(encoders.description());
 
+    int soundTrack = -1;
     std::optional<RetimedSound> sound;
     std::unique_ptr<SoundEncoder> soundEncoder;
     if (auto tracks = media.openSound(source); !tracks.empty()) {
@@ -192,29 +152,33 @@ ExportStats run(const MediaBackend& media, const std::filesystem::path& source, 
     }
     movie->begin();
 
-    FrameRenderer renderer({scene, canvas, frames, camera ? &*camera : nullptr, *encoder, options.fps},
-                           hooks.progress);
+    std::int64_t reported = 0;
+    const auto report = [&](std::int64_t frames) {
+        if (!hooks.progress || frames - reported < framesPerReport) return;
+        reported = frames;
+        hooks.progress(static_cast<double>(frames) / static_cast<double>(frameCount));
+    };
+    ExportStats stats;
     {
         std::optional<SoundPump> soundPump;
         if (sound) soundPump.emplace(*sound, *soundEncoder);
-        do {
-            if (hooks.cancel && *hooks.cancel) throw RecordingError("cancelled");
-            if (soundPump) soundPump->pictureAt(static_cast<double>(renderer.framesDone()) / options.fps);
-        } while (renderer.appendNext());
-        if (renderer.error()) throw *renderer.error();
-        encoder->finish(renderer.framesDone());
+        RangeWorkers workers(
+            {scene, compositor, encoders, *packets, options.fps, keyInterval,
+             [&] { return open(shares.threads); }, keyTimes(stored), shares.threads, hooks.cancel},
+            std::min(shares.workers, static_cast<int>(encoders.ranges().size())), std::move(first));
+        writePicture(*movie, videoTrack, video.timeBase, *packets, workers, soundPump ? &*soundPump : nullptr,
+                     report);
         if (soundPump) soundPump->finish();
+        stats.frames = workers.framesDone();
+        stats.repeated = workers.framesRepeated();
     }
     movie->finish();
     if (hooks.progress) hooks.progress(1);
 
-    ExportStats stats;
-    stats.frames = renderer.framesDone();
-    stats.repeated = renderer.framesRepeated();
     stats.outputSeconds = plan.outputDuration();
     stats.wallSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
-    stats.encoder = encoder->name();
-    stats.hardware = video.hardware;
+    stats.encoder = encoders.name();
+    stats.hardware = encoders.hardware();
     return stats;
 }
 

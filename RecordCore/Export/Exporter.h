@@ -32,12 +32,20 @@ struct Hooks {
     const std::atomic<bool>* cancel = nullptr; ///< when it turns true the export gives up
 };
 
+/// How the work is shared out.
+struct Sharing {
+    /// Ranges made at the same time, 0: as suits the machine. The film is the same with any number.
+    int workers = 0;
+    /// Key intervals from border to border, where the film's length allows.
+    int keysPerRange = 8;
+};
+
 /// Exports `source` under `plan` to `destination`, which is replaced only when the new film is whole. Runs on
-/// the calling thread and threads of its own until it is done. Throws RecordingError: "cancelled" when asked
-/// to, else naming the file and the cause; nothing is left behind then.
+/// threads of its own; the calling thread writes the film until it is done. Throws RecordingError:
+/// "cancelled" when asked to, else naming the file and the cause; nothing is left behind then.
 ExportStats run(const MediaBackend& media, const std::filesystem::path& source, const Plan& plan,
                 const ExportOptions& options, const std::filesystem::path& destination,
-                const Hooks& hooks = {});
+                const Hooks& hooks = {}, const Sharing& sharing = {});
 
 /// The compositor's recipe for a project. `folder` is what a relative wallpaper path is taken from.
 CompositorSettings compositorSettings(const Plan& plan, const Project& project, const SourceInfo& source,

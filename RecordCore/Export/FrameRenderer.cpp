@@ -7,10 +7,6 @@
 
 namespace RecordCore {
 
-namespace {
-constexpr std::int64_t framesPerReport = 30;
-}
-
 CameraSource::CameraSource(std::unique_ptr<VideoReader> reader, const Plan& plan, double offset) :
     frames(std::move(reader)),
     composition(Timeline::composition(plan, Timeline::CameraFootage{frames.info().duration, offset})) {}
@@ -36,11 +32,11 @@ const Picture& composeFrame(const Scene& scene, Canvas& canvas, FrameCursor& sou
     return canvas.frame(frame->picture, scene.drawn(seconds), cameraPicture, hints);
 }
 
-FrameRenderer::FrameRenderer(const Parts& parts, std::function<void(double)> progress) :
-    parts(parts), progress(std::move(progress)), count(parts.scene.frameCount()) {}
+FrameRenderer::FrameRenderer(const Parts& parts, std::int64_t begin, std::int64_t end) :
+    parts(parts), begin(begin), end(end), index(begin) {}
 
 bool FrameRenderer::appendNext() {
-    if (failure || index >= count) return false;
+    if (failure || index >= end) return false;
     try {
         append();
     } catch (const RecordingError& error) {
@@ -50,20 +46,18 @@ bool FrameRenderer::appendNext() {
     }
     if (failure) return false;
     ++index;
-    if (progress && index % framesPerReport == 0)
-        progress(static_cast<double>(index) / static_cast<double>(count));
-    return index < count;
+    return index < end;
 }
 
 void FrameRenderer::append() {
     const double seconds = static_cast<double>(index) / parts.fps;
     const Picture& picture = composeFrame(parts.scene, parts.canvas, parts.source, parts.camera, seconds);
-    if (index > 0 && !parts.canvas.changed()) {
+    if (index > begin && !parts.canvas.changed()) {
         parts.encoder.repeat(index);
         ++repeated;
     } else {
         FrameHints hints;
-        if (index > 0) hints.changedBlocks = parts.canvas.changedBlocks();
+        if (index > begin) hints.changedBlocks = parts.canvas.changedBlocks();
         parts.encoder.encode(picture.view(), index, hints);
     }
 }

@@ -8,7 +8,6 @@
 #include "RecordCore/Rendering/Canvas.h"
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <optional>
 
@@ -32,8 +31,8 @@ private:
     bool shownBefore = false;
 };
 
-/// The export's frame pump: for every output frame it finds the source frame on show, composes it and hands
-/// it to the encoder. One thread.
+/// The export's frame pump: for every output frame of a range it finds the source frame on show, composes it
+/// and hands it to the encoder. One thread.
 class FrameRenderer {
 public:
     struct Parts {
@@ -45,15 +44,16 @@ public:
         double fps;
     };
 
-    /// `progress` hears the share done, after every 30th frame.
-    FrameRenderer(const Parts& parts, std::function<void(double)> progress);
+    /// For the output frames from `begin` on, `end` not included. The canvas is to be new: nothing of what
+    /// was drawn before may matter.
+    FrameRenderer(const Parts& parts, std::int64_t begin, std::int64_t end);
 
     /// Appends one output frame; true while more may follow. After a failure false, with `error` set.
     bool appendNext();
 
     const std::optional<RecordingError>& error() const { return failure; }
-    std::int64_t framesDone() const { return index; }
-    std::int64_t total() const { return count; }
+    /// The number of the frame appended next.
+    std::int64_t next() const { return index; }
     /// Frames that equalled the one before and cost (next to) nothing.
     std::int64_t framesRepeated() const { return repeated; }
 
@@ -61,9 +61,9 @@ private:
     void append();
 
     Parts parts;
-    std::function<void(double)> progress;
-    std::int64_t index = 0;
-    std::int64_t count;
+    std::int64_t begin;
+    std::int64_t end;
+    std::int64_t index;
     std::int64_t repeated = 0;
     std::optional<RecordingError> failure;
 };

@@ -10,6 +10,9 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <fstream>
+#include <iterator>
+#include <mutex>
 #include <string>
 #include <utility>
 
@@ -34,22 +37,55 @@ public:
         encoder->repeat(pts);
     }
     void finish(std::int64_t endPts) override { encoder->finish(endPts); }
+    bool makesParts() const override { return encoder->makesParts(); }
+    EncodingTally tally() const override { return encoder->tally(); }
+    void setElsewhere(const EncodingTally& others) override { encoder->setElsewhere(others); }
 
 private:
     std::unique_ptr<VideoEncoder> encoder;
     std::function<void()> onFrame;
 };
 
+/// The real decoder, watched.
+class WatchedReader final : public VideoReader {
+public:
+    WatchedReader(std::unique_ptr<VideoReader> reader, std::function<void(double)> onRead) :
+        reader(std::move(reader)), onRead(std::move(onRead)) {}
+
+    const SourceInfo& info() const override { return reader->info(); }
+    std::optional<VideoFrame> next() override {
+        auto frame = reader->next();
+        if (frame) onRead(frame->time);
+        return frame;
+    }
+    void seek(double seconds) override { reader->seek(seconds); }
+    void skipTo(double seconds) override { reader->skipTo(seconds); }
+    std::optional<SeekCost> seekCost(double seconds) const override { return reader->seekCost(seconds); }
+    std::vector<Stored> stored() const override { return reader->stored(); }
+
+private:
+    std::unique_ptr<VideoReader> reader;
+    std::function<void(double)> onRead;
+};
+
 /// The real media layer on a machine that may have a hardware encoder: it is libx264 again, called otherwise.
 class Machine final : public RealMedia {
 public:
     bool hasHardware = false;
-    std::function<void()> onFrame = [] {};
+    std::function<void()> onFrame = [] {}; ///< called by several threads
+    std::function<void(double)> onRead = [](double) {};
+    mutable std::mutex mutex;
     mutable std::vector<VideoSettings> asked;
 
+    std::unique_ptr<VideoReader> openVideo(const std::filesystem::path& file, int threads) const override {
+        return std::make_unique<WatchedReader>(RealMedia::openVideo(file, threads), onRead);
+    }
     std::unique_ptr<VideoEncoder> makeVideoEncoder(const VideoSettings& settings,
                                                    PacketSink sink) const override {
-        asked.push_back(settings);
+        {
+            const std::lock_guard lock(mutex);
+            asked.push_back(settings);
+        }
         if (settings.hardware && !hasHardware) throw RecordingError("no hardware encoder");
         return std::make_unique<WatchedEncoder>(RealMedia::makeVideoEncoder(settings, std::move(sink)),
                                                 onFrame);
@@ -71,7 +107,7 @@ protected:
     }
 
     ExportStats film(const Exporter::Hooks& hooks = {}) {
-        return Exporter::run(machine, source, plan, options, file, hooks);
+        return Exporter::run(machine, source, plan, options, file, hooks, sharing);
     }
 
     TemporaryFolder folder;
@@ -80,6 +116,7 @@ protected:
     std::filesystem::path file = folder / "film.mp4";
     Plan plan;
     ExportOptions options;
+    Exporter::Sharing sharing;
 };
 
 TEST_F(Films, SayWhatEncodedThem) {
@@ -99,7 +136,7 @@ TEST_F(Films, SayWhatEncodedThem) {
 }
 
 TEST_F(Films, AreForecastFromTheIndexOfTheRecording) {
-    const auto stored = machine.openVideo(source)->stored();
+    const auto stored = machine.openVideo(source, 1)->stored();
     ASSERT_EQ(stored.size(), 120U);
     double bits = 0;
     for (std::size_t i = 0; i < stored.size(); ++i) {
@@ -111,44 +148,120 @@ TEST_F(Films, AreForecastFromTheIndexOfTheRecording) {
     EXPECT_NEAR(bits, packets, packets * 0.001);
 }
 
-TEST_F(Films, StopSoonAfterBeingTold) {
+/// A recording with sound whose film has everything that could differ where ranges meet.
+class LongFilms : public Films {
+protected:
+    void SetUp() override {
+        // Half of the time nothing moves.
+        ffmpeg("-f lavfi -i testsrc2=size=320x180:rate=30:duration=14 -f lavfi -i "
+               "sine=frequency=440:duration=14 -vf \"select='lt(mod(t,4),2)'\" -fps_mode vfr -c:v libx264 "
+               "-preset ultrafast -pix_fmt yuv420p -g 20 -c:a aac " +
+               (folder / "recording.mp4").string());
+        Project project;
+        project.cuts = {{3, 3.7}};
+        project.speedBlocks = {SpeedBlock::make(5, 8, 3, SpeedSegment::Reason::manual)};
+        project.zoomBlocks = {ZoomBlock::make(1, 3, 0.3, 0.3, 1.8), ZoomBlock::make(8.5, 12, 0.6, 0.5, 1.5)};
+        project.showClock = true;
+        project.save(folder / "project.json");
+        const LoadedRecording recording = LoadedRecording::load(machine, folder.path());
+        source = recording.files.video();
+        plan = recording.plan();
+        options.project = recording.project;
+        options.scale = 0.2;
+        options.hardware = false;
+    }
+    std::string contents() const {
+        std::ifstream stream(file, std::ios::binary);
+        return {std::istreambuf_iterator<char>(stream), {}};
+    }
+};
+
+TEST_F(LongFilms, StopSoonAfterBeingTold) {
     const auto files = [&] { return std::distance(std::filesystem::directory_iterator(folder.path()), {}); };
     const auto before = files();
-    std::atomic<bool> cancel{false};
-    int frames = 0;
-    int after = 0;
-    machine.onFrame = [&] {
-        if (cancel) ++after;
-        if (++frames == 100) cancel = true;
-    };
-    Exporter::Hooks hooks;
-    hooks.cancel = &cancel;
-    options.hardware = false;
-    try {
-        film(hooks);
-        ADD_FAILURE() << "the film was finished";
-    } catch (const RecordingError& error) {
-        EXPECT_STREQ(error.what(), "cancelled");
+    for (const int workers : {1, 3}) {
+        sharing = {workers, 1};
+        std::atomic<bool> cancel{false};
+        std::atomic<int> frames{0};
+        std::atomic<int> after{0};
+        machine.onFrame = [&] {
+            if (cancel) ++after;
+            if (++frames == 150) cancel = true;
+        };
+        Exporter::Hooks hooks;
+        hooks.cancel = &cancel;
+        try {
+            film(hooks);
+            ADD_FAILURE() << "the film was finished";
+        } catch (const RecordingError& error) {
+            EXPECT_STREQ(error.what(), "cancelled");
+        }
+        EXPECT_LE(after, workers); // the frames that were under way
+        EXPECT_FALSE(std::filesystem::exists(file));
+        EXPECT_EQ(files(), before);
     }
-    EXPECT_LE(after, 1); // the frame that was under way
-    EXPECT_FALSE(std::filesystem::exists(file));
-    EXPECT_EQ(files(), before);
 }
 
-TEST_F(Films, FailWithWhatWentWrong) {
-    int frames = 0;
-    machine.onFrame = [&] {
-        if (++frames == 50) throw RecordingError("the encoder broke");
-    };
-    options.hardware = false;
-    try {
-        film();
-        ADD_FAILURE() << "the film was finished";
-    } catch (const RecordingError& error) {
-        EXPECT_STREQ(error.what(), "the encoder broke");
+TEST_F(LongFilms, FailWithWhatWentWrong) {
+    for (const int workers : {1, 4}) {
+        sharing = {workers, 1};
+        std::atomic<int> frames{0};
+        machine.onFrame = [&] {
+            if (++frames == 150) throw RecordingError("the encoder broke");
+        };
+        try {
+            film();
+            ADD_FAILURE() << "the film was finished";
+        } catch (const RecordingError& error) {
+            EXPECT_STREQ(error.what(), "the encoder broke");
+        }
+        EXPECT_GE(frames, 150);
+        EXPECT_FALSE(std::filesystem::exists(file));
+
+        // The decoder in the middle of the film; the other ranges end with it.
+        machine.onFrame = [] {};
+        machine.onRead = [](double time) {
+            if (time > 2.5) throw RecordingError("recording.mp4: cannot be read");
+        };
+        try {
+            film();
+            ADD_FAILURE() << "the film was finished";
+        } catch (const RecordingError& error) {
+            EXPECT_STREQ(error.what(), "recording.mp4: cannot be read");
+        }
+        EXPECT_FALSE(std::filesystem::exists(file));
+        machine.onRead = [](double) {};
     }
-    EXPECT_EQ(frames, 50);
-    EXPECT_FALSE(std::filesystem::exists(file));
+}
+
+TEST_F(LongFilms, AreTheSameWithAnyNumberOfWorkers) {
+    sharing = {1, 1};
+    double last = 0;
+    Exporter::Hooks hooks;
+    hooks.progress = [&](double share) {
+        EXPECT_GE(share, last);
+        last = share;
+    };
+    const ExportStats alone = film(hooks);
+    EXPECT_EQ(last, 1);
+    ASSERT_GE(machine.asked.size(), 5U);
+    const std::string expected = contents();
+    for (const int workers : {2, 3, 5}) {
+        sharing.workers = workers;
+        last = 0;
+        const ExportStats stats = film(hooks);
+        EXPECT_EQ(last, 1);
+        EXPECT_EQ(stats.frames, alone.frames);
+        EXPECT_EQ(stats.repeated, alone.repeated);
+        EXPECT_TRUE(contents() == expected) << workers << " workers";
+    }
+    EXPECT_GT(alone.repeated, 50);
+
+    // Another division into ranges is another film, but shows the same frames.
+    sharing = {1, 100};
+    const ExportStats whole = film();
+    EXPECT_EQ(whole.frames, alone.frames);
+    EXPECT_FALSE(contents() == expected);
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "RecordCore/Media/X264/FilmRate.h"
 
+#include "RecordCore/Export/RateLedger.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -8,6 +10,7 @@
 #include <functional>
 #include <limits>
 #include <set>
+#include <span>
 #include <vector>
 
 using RecordCore::FrameForecast;
@@ -99,6 +102,56 @@ TEST(FilmRate, OneQuantiserWhereTheFilmIsForeseen) {
         const std::vector<FrameForecast> none(100, {useless, 0});
         EXPECT_EQ(film(24, bits, none).quantisers, surprised.quantisers);
     }
+}
+
+TEST(FilmRate, PartsKeepTheRateTogether) {
+    // Each range of 16 s is forecast too cheap or too dear by up to a quarter, and knows of the others what
+    // the export lets it know.
+    constexpr int seconds = 96;
+    constexpr int step = 2;
+    constexpr int steps = 8;
+    constexpr std::size_t count = seconds / (step * steps);
+    const double even = rate / 60;
+    std::vector<FrameForecast> forecast;
+    double sum = 0;
+    for (int i = 0; i < seconds * 60; ++i) {
+        forecast.push_back({i / 60 % 7 < 2 ? 3.0F : 0.4F, 0});
+        sum += static_cast<double>(forecast.back().cost);
+    }
+    RecordCore::RateLedger ledger(std::vector<int>(count, steps));
+    double spent = 0;
+    int coarsest = 0;
+    int finest = 100;
+    for (std::size_t k = 0; k < count; ++k) {
+        const int begin = static_cast<int>(k) * steps * step;
+        const std::span own =
+            std::span(forecast).subspan(static_cast<std::size_t>(begin) * 60, steps * step * 60);
+        double share = 0;
+        for (const FrameForecast& frame : own)
+            share += static_cast<double>(frame.cost) / sum;
+        const double error = 1 + std::sin(static_cast<double>(k) * 2) / 4;
+        FilmRate filmRate(rate, seconds, own,
+                          FilmRate::Part{static_cast<double>(begin), begin + steps * step + 0.0, share});
+        for (int i = 0; i < steps * step * 60; ++i) {
+            if (i % (step * 60) == 0) {
+                if (i > 0) ledger.enter(k, filmRate.tally());
+                if (k > 0) filmRate.setElsewhere(ledger.before(k, i / (step * 60)));
+            }
+            const int q = filmRate.quantiser(FilmRate::Frame::change, begin + i / 60.0);
+            const double bits = 1.6 * even * error *
+                                static_cast<double>(own[static_cast<std::size_t>(i)].cost) *
+                                std::exp2((28 - q) / 6.0);
+            filmRate.coded(static_cast<std::int64_t>(bits));
+            spent += bits;
+            if (k == 0) continue; // finds the scale first
+            coarsest = std::max(coarsest, q);
+            finest = std::min(finest, q);
+        }
+        filmRate.finish();
+        ledger.enter(k, filmRate.tally());
+    }
+    EXPECT_NEAR(spent / seconds / rate, 1, 0.02);
+    EXPECT_LE(coarsest - finest, 4);
 }
 
 TEST(FilmRate, SpendsNothingOnWhatNobodySees) {

@@ -255,14 +255,17 @@ std::int64_t encodePlainly(const MediaBackend& media, const Order& order, const 
 
 } // namespace
 
-TEST(Film, DecodesRepeatsAndSeeksExactlyInAnotherProgram) {
+/// With the shortest ranges the film has borders in stills and in motion.
+class FilmsOfRanges : public testing::TestWithParam<Exporter::Sharing> {};
+
+TEST_P(FilmsOfRanges, DecodeRepeatAndSeekExactlyInAnotherProgram) {
     const TemporaryFolder folder;
     const RealMedia media;
     makeRecording(media, folder.path(), false);
     const Order order(media, folder.path(), 0.3);
     const std::filesystem::path film = folder / "film.mp4";
     const ExportStats stats =
-        Exporter::run(media, order.recording.files.video(), order.plan, order.options, film);
+        Exporter::run(media, order.recording.files.video(), order.plan, order.options, film, {}, GetParam());
     ASSERT_EQ(stats.frames, 600);
     EXPECT_GT(stats.repeated, 250);
 
@@ -324,6 +327,8 @@ TEST(Film, DecodesRepeatsAndSeeksExactlyInAnotherProgram) {
         EXPECT_EQ(there[0].sum, frames[second * 60].sum) << "second " << second;
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(Film, FilmsOfRanges, testing::Values(Exporter::Sharing{}, Exporter::Sharing{3, 1}));
 
 namespace {
 

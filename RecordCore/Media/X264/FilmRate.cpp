@@ -43,18 +43,20 @@ double stepSize(double quantiser) {
 
 } // namespace
 
-FilmRate::FilmRate(double bitsPerSecond, double seconds, std::span<const FrameForecast> forecast) :
-    rate(std::max(bitsPerSecond, 1.0)), length(seconds), current(firstBase) {
+FilmRate::FilmRate(double bitsPerSecond, double seconds, std::span<const FrameForecast> forecast,
+                   const std::optional<Part>& ofFilm) :
+    rate(std::max(bitsPerSecond, 1.0)),
+    length(seconds), part(ofFilm.value_or(Part{0, seconds, 1})), now(part.begin), current(firstBase) {
     if (length <= 0 || forecast.empty()) return;
     work.reserve(forecast.size() + 1);
     work.push_back(0);
     for (const FrameForecast& frame : forecast)
         work.push_back(work.back() + std::max(0.0, static_cast<double>(frame.cost)));
-    if (!(work.back() > 0) || !std::isfinite(work.back())) {
+    const double scale = length * part.share / work.back();
+    if (!(work.back() > 0) || !std::isfinite(work.back()) || !std::isfinite(scale)) {
         work.clear();
         return;
     }
-    const double scale = length / work.back();
     for (double& sum : work)
         sum *= scale;
     offsets.reserve(forecast.size());
@@ -64,29 +66,32 @@ FilmRate::FilmRate(double bitsPerSecond, double seconds, std::span<const FrameFo
 
 std::size_t FilmRate::frameAt(double seconds) const {
     const double frames = static_cast<double>(offsets.size());
-    return static_cast<std::size_t>(
-        std::min(std::round(std::clamp(seconds / length, 0.0, 1.0) * frames), frames - 1));
+    const double passed = (seconds - part.begin) / (part.end - part.begin);
+    return static_cast<std::size_t>(std::min(std::round(std::clamp(passed, 0.0, 1.0) * frames), frames - 1));
 }
 
-/// The forecast for the film up to and with the frame shown at `seconds`.
+/// The forecast for the part up to and with the frame shown at `seconds`.
 double FilmRate::workUntil(double seconds) const {
-    return work.empty() ? seconds : work[frameAt(seconds) + 1];
+    return work.empty() ? seconds - part.begin : work[frameAt(seconds) + 1];
 }
 
-/// The quantiser at which the average is kept, if the film goes on as forecast.
+/// The quantiser at which the average is kept, if the film goes on as forecast. What is not known of other
+/// parts counts as what is yet to come: they, too, will take a quantiser like this.
 double FilmRate::wanted() const {
     const double guess = rate * stepSize(firstBase);
     const double weight = work.empty() ? guessed : guessedOfForecast;
-    const double all = (cost + guess * weight) / (done + weight);
+    const double all = (elsewhere.cost + cost + guess * weight) / (elsewhere.coded + done + weight);
+    const double bits = elsewhere.bits + spent;
+    const double past = elsewhere.seconds + now - part.begin;
     double scale = all;
     const double beyond = beyondTheEnd * length;
-    double ahead = std::max(length - asked, 0.0) + beyond;
-    double means = std::max(rate * (length + beyond) - spent,
-                            leastShare * rate * (std::max(length - now, 0.0) + beyond));
+    double ahead = std::max(length - elsewhere.asked - asked, 0.0) + beyond;
+    double means = std::max(rate * (length + beyond) - bits,
+                            leastShare * rate * (std::max(length - past, 0.0) + beyond));
     if (work.empty()) {
         scale = (all + (recentCost + guess * guessedRecently) / (recentDone + guessedRecently)) / 2;
-        ahead = length > 0 ? std::clamp(length - now, shortestPlan, longestPlan) : longestPlan;
-        means = std::max(rate * (now + ahead) - spent, leastShare * rate * ahead);
+        ahead = length > 0 ? std::clamp(length - past, shortestPlan, longestPlan) : longestPlan;
+        means = std::max(rate * (past + ahead) - bits, leastShare * rate * ahead);
     }
     return 6 * std::log2(scale * ahead / means);
 }
@@ -114,6 +119,24 @@ void FilmRate::coded(std::int64_t bits) {
     done += frame.work;
     recentCost = recentCost * kept + size * stepSize(frame.base);
     recentDone = recentDone * kept + frame.work;
+}
+
+void FilmRate::finish() {
+    // What stood still to the end belongs to the frames before.
+    const double until = std::max(workUntil(part.end), asked);
+    done += until - asked;
+    asked = until;
+    now = std::max(now, part.end);
+}
+
+EncodingTally FilmRate::tally() const {
+    return {now - part.begin, asked, done, cost, spent, current};
+}
+
+void FilmRate::setElsewhere(const EncodingTally& others) {
+    elsewhere = others;
+    // A part begins as the film before it goes on.
+    if (asked == 0 && others.quantiser != 0) current = others.quantiser;
 }
 
 } // namespace RecordCore::X264

@@ -29,6 +29,9 @@ namespace {
 // change itself was coded in a hurry, the still is looked at.
 constexpr int framesUntilRefined = 10;
 constexpr int blockSide = 16;
+// How far motion may reach down depends on the number of threads, and so does when the size of a frame is
+// known: a film is the same on every machine only with a fixed one.
+constexpr int filmThreads = 3;
 
 struct CloseEncoder {
     void operator()(x264_t* handle) const { x264_encoder_close(handle); }
@@ -44,6 +47,11 @@ public:
     void encode(const PlanarView& picture, std::int64_t pts, const FrameHints& hints) override;
     void repeat(std::int64_t pts) override;
     void finish(std::int64_t endPts) override;
+    bool makesParts() const override { return rate && stills && inOrder; }
+    EncodingTally tally() const override { return rate ? rate->tally() : EncodingTally{}; }
+    void setElsewhere(const EncodingTally& others) override {
+        if (rate) rate->setElsewhere(others);
+    }
 
 private:
     /// A frame that is to come out, in order of time.
@@ -117,7 +125,9 @@ void Encoder::open() {
     parameters.i_width = settings.width;
     parameters.i_height = settings.height;
     parameters.i_csp = X264_CSP_I420;
-    parameters.i_threads = settings.threads > 0 ? settings.threads : X264_THREADS_AUTO;
+    parameters.i_threads = settings.threads > 0                        ? settings.threads
+                           : !settings.realTime && settings.freeStills ? filmThreads
+                                                                       : X264_THREADS_AUTO;
     // With true durations the encoder waits for the next frame to know how long one lasts. A still screen has
     // no next frame, and what a crash would take must not depend on it.
     parameters.b_vfr_input = settings.realTime ? 0 : 1;
@@ -164,8 +174,12 @@ void Encoder::open() {
             parameters.analyse.i_luma_deadzone[0] = 13;
             parameters.analyse.i_luma_deadzone[1] = 7;
             parameters.analyse.i_chroma_qp_offset = -2;
+            std::optional<FilmRate::Part> part;
+            if (settings.part)
+                part = {settings.timeBase.seconds(settings.part->begin),
+                        settings.timeBase.seconds(settings.part->end), settings.part->share};
             rate.emplace(static_cast<double>(settings.bitrate),
-                         settings.timeBase.seconds(settings.expectedEnd), settings.forecast);
+                         settings.timeBase.seconds(settings.expectedEnd), settings.forecast, part);
         }
     } else {
         parameters.i_keyint_max = std::max(1, settings.keyInterval);
@@ -453,6 +467,7 @@ void Encoder::finish(std::int64_t endPts) {
         sink({held->data, held->pts, held->dts, end - held->pts, held->key});
         held.reset();
     }
+    if (rate) rate->finish();
 }
 
 } // namespace
