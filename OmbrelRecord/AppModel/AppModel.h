@@ -221,6 +221,8 @@ public:
     Q_INVOKABLE void openFile();
     /// Opens a movie, with the input log that lies beside it.
     Q_INVOKABLE void openVideo(const QString& file);
+    /// Opens what somebody named: a recording's folder, or a movie.
+    void openPath(const QString& path);
     Q_INVOKABLE void openSample();
     bool hasSample() const;
     /// Moves a recording's folder to the trash.

@@ -163,6 +163,14 @@ void AppModel::openVideo(const QString& file) {
     openWithLog(video, RecordingFiles{video.parent_path()}.input(), video.parent_path());
 }
 
+void AppModel::openPath(const QString& path) {
+    std::error_code ignored;
+    if (fs::is_directory(toPath(path), ignored))
+        open(path);
+    else
+        openVideo(path);
+}
+
 bool AppModel::hasSample() const {
     std::error_code ignored;
     return !parts.sample.empty() && fs::exists(RecordingFiles{parts.sample}.video(), ignored);

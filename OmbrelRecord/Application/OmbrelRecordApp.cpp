@@ -218,6 +218,10 @@ OmbrelRecordApp::~OmbrelRecordApp() {
 
 QQuickWindow* OmbrelRecordApp::make(const QString& type) {
     QQmlComponent component(&engine, view(type));
+    if (!component.isReady()) {
+        Diag::log("window: failed " + component.errorString().toStdString());
+        return nullptr;
+    }
     QObject* object = component.createWithInitialProperties(
         {{QStringLiteral("app"), QVariant::fromValue<QObject*>(&model)}});
     auto* made = qobject_cast<QQuickWindow*>(object);
@@ -255,12 +259,17 @@ void OmbrelRecordApp::quit() {
     QCoreApplication::quit();
 }
 
-void OmbrelRecordApp::startedAgain() {
+void OmbrelRecordApp::startedAgain(const QString& file) {
     if (model.isRecording()) {
-        if (!panel) model.stopRecording();
+        if (!panel && file.isEmpty()) model.stopRecording();
         return;
     }
-    if (!model.starting()) openMainWindow();
+    if (model.starting()) return;
+    openMainWindow();
+    // What is being exported is not given up for it.
+    const EditorModel* editor = model.editor();
+    const bool exports = editor && editor->exportState() == EditorModel::ExportState::working;
+    if (!file.isEmpty() && !exports) model.openPath(file);
 }
 
 void OmbrelRecordApp::restore() {

@@ -49,7 +49,7 @@ public:
     bool openMainWindow();
     /// The application was started again: its window comes to the front. While a recording runs whose panel
     /// had to hide, this is the way to end it that is always there.
-    void startedAgain();
+    void startedAgain(const QString& file = {});
 
     QQuickWindow* mainWindow() const { return window; }
     /// The panel of a running recording; null when there is none, also because it had to hide.

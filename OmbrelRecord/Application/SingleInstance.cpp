@@ -1,6 +1,7 @@
 #include "OmbrelRecord/Application/SingleInstance.h"
 
 #include <QtCore/QDir>
+#include <QtCore/QFile>
 #include <QtCore/QStandardPaths>
 #include <QtNetwork/QLocalSocket>
 #include <unistd.h>
@@ -11,6 +12,7 @@ namespace OmbrelRecord {
 namespace {
 
 constexpr int patience = 500; // milliseconds, twice
+constexpr qint64 longestPath = 64 << 10;
 
 } // namespace
 
@@ -18,11 +20,19 @@ SingleInstance::SingleInstance(QString place, QObject* parent) : QObject(parent)
     server.setSocketOptions(QLocalServer::UserAccessOption);
     connect(&server, &QLocalServer::newConnection, this, [this] {
         while (QLocalSocket* other = server.nextPendingConnection()) {
-            // That somebody called says it all.
             other->write("here\n");
             other->flush();
             connect(other, &QLocalSocket::disconnected, other, &QObject::deleteLater);
-            Q_EMIT startedAgain();
+            // The name of the file ends with a zero, which no name has in it.
+            const auto take = [this, other] {
+                const QByteArray said = other->peek(longestPath);
+                if (const qsizetype end = said.indexOf('\0'); end >= 0) {
+                    other->disconnectFromServer();
+                    Q_EMIT startedAgain(QFile::decodeName(said.first(end)));
+                }
+            };
+            connect(other, &QLocalSocket::readyRead, this, take);
+            take();
         }
     });
 }
@@ -37,17 +47,21 @@ QString SingleInstance::standardPlace() {
     return QDir::temp().filePath(QStringLiteral("%1.%2").arg(name).arg(getuid()));
 }
 
-bool SingleInstance::tellOther() {
+bool SingleInstance::tellOther(const QString& file) {
     QLocalSocket socket;
     socket.connectToServer(place);
     // One that hangs does not answer; then the user is better served by a second one.
-    return socket.waitForConnected(patience) &&
-           (socket.bytesAvailable() > 0 || socket.waitForReadyRead(patience));
+    if (!socket.waitForConnected(patience) ||
+        !(socket.bytesAvailable() > 0 || socket.waitForReadyRead(patience)))
+        return false;
+    socket.write(QFile::encodeName(file).append('\0'));
+    socket.waitForBytesWritten(patience);
+    return true;
 }
 
-bool SingleInstance::claim() {
+bool SingleInstance::claim(const QString& file) {
     // Asked first: listening would quietly take the socket's name away from the other.
-    if (tellOther()) return false;
+    if (tellOther(file)) return false;
     // What a crash left behind.
     QLocalServer::removeServer(place);
     server.listen(place);

@@ -6,8 +6,8 @@
 
 namespace OmbrelRecord {
 
-/// One windowed application for each user's session: a second one asks the first to come to the front and
-/// ends. Where no socket can be had every start is the first. Main thread.
+/// One windowed application for each user's session: a second one asks the first to come to the front, with
+/// the file that it was to open, and ends. Where no socket can be had every start is the first. Main thread.
 class SingleInstance : public QObject {
     Q_OBJECT
 
@@ -17,16 +17,16 @@ public:
 
     static QString standardPlace();
 
-    /// True when this is the first; false when there was one and it has been told. Waits for at most a second
-    /// for one that does not answer.
-    bool claim();
+    /// True when this is the first; false when there was one and it has been told, also of `file`. Waits for
+    /// at most a second for one that does not answer.
+    bool claim(const QString& file = {});
 
 Q_SIGNALS:
-    /// Somebody started the application again.
-    void startedAgain();
+    /// Somebody started the application again; `file` is empty where none was named.
+    void startedAgain(const QString& file);
 
 private:
-    bool tellOther();
+    bool tellOther(const QString& file);
 
     QString place;
     QLocalServer server;

@@ -7,6 +7,7 @@
 #include "OmbrelRecord/Entry/Entry.h"
 #include "OmbrelRecord/Entry/Jobs.h"
 
+#include <QtCore/QFile>
 #include <QtCore/QSysInfo>
 #include <QtCore/QTimer>
 #include <QtGui/QGuiApplication>
@@ -32,7 +33,7 @@ int Entry::headless(int argc, char** argv, const std::function<void()>& job) {
     return QCoreApplication::exec();
 }
 
-int Jobs::application(int argc, char** argv) {
+int Jobs::application(int argc, char** argv, const std::filesystem::path& file) {
     if (const std::string missing = OmbrelRecordApp::missingDisplay(); !missing.empty()) {
         fmt::print(stderr, "ombrel-record: {}\n", missing);
         return 1;
@@ -44,7 +45,10 @@ int Jobs::application(int argc, char** argv) {
                                                              ? std::make_unique<QGuiApplication>(argc, argv)
                                                              : std::make_unique<StallWatch>(argc, argv);
     SingleInstance instance;
-    if (!instance.claim()) return 0; // the one that runs already has come to the front
+    // The one that runs already may stand in another folder.
+    const QString wanted =
+        file.empty() ? QString() : QFile::decodeName(std::filesystem::absolute(file).string().c_str());
+    if (!instance.claim(wanted)) return 0; // the one that runs already has come to the front
     OmbrelRecordApp::dress();
     Diag::install(OMBREL_VERSION, QSysInfo::prettyProductName().toStdString());
     AppSession session;
@@ -60,6 +64,7 @@ int Jobs::application(int argc, char** argv) {
     std::optional<Inspection> inspection;
     if (!inspected.isEmpty()) inspection.emplace(inspected);
     session.model().begin();
+    if (!wanted.isEmpty()) session.model().openPath(wanted);
     const int status = QCoreApplication::exec();
     Diag::flush();
     return status;

@@ -21,6 +21,8 @@
 
 namespace OmbrelRecord::CommandLine {
 
+namespace fs = std::filesystem;
+
 namespace {
 
 using RecordCore::MediaBackend;
@@ -49,6 +51,8 @@ std::optional<int> run(int argc, char** argv) {
     CLI::App app("Records a screen and makes a finished film of it.", "ombrel-record");
     app.set_version_flag("--version", OMBREL_VERSION);
     app.require_subcommand(1);
+    app.footer("Without a verb the window opens; with a movie or a recording's folder in its place, that is "
+               "opened there.");
     const auto backend = [] { return makeMediaBackend(); };
 
     Commands::Record record;
@@ -127,7 +131,15 @@ std::optional<int> run(int argc, char** argv) {
     const auto verbs = app.get_subcommands({});
     const bool isVerb =
         std::any_of(verbs.begin(), verbs.end(), [&](CLI::App* verb) { return verb->get_name() == first; });
-    if (!isVerb && first != "--help" && first != "-h" && first != "--version") return std::nullopt;
+    if (!isVerb && first != "--help" && first != "-h" && first != "--version") {
+        std::error_code ignored;
+        if (const fs::path named = file(argc, argv); named.empty() || fs::exists(named, ignored))
+            return std::nullopt;
+        fmt::print(stderr,
+                   "ombrel-record: there is no verb or file \"{}\"; ombrel-record --help lists the verbs\n",
+                   first);
+        return 2;
+    }
 
     try {
         app.parse(argc, argv);
@@ -142,6 +154,10 @@ std::optional<int> run(int argc, char** argv) {
         fmt::print(stderr, "ombrel-record: {}\n", error.what());
     }
     return 1;
+}
+
+fs::path file(int argc, char** argv) {
+    return argc > 1 && argv[1][0] != '-' ? fs::path(argv[1]) : fs::path();
 }
 
 } // namespace OmbrelRecord::CommandLine

@@ -52,7 +52,7 @@ int main(int argc, char** argv) {
                        arguments.after(name) >= 3 ? std::optional(arguments.path(name, 3)) : std::nullopt);
         });
     if (const auto status = CommandLine::run(argc, argv)) return *status;
-    return Jobs::application(argc, argv);
+    return Jobs::application(argc, argv, CommandLine::file(argc, argv));
 }
 
 } // namespace OmbrelRecord::Entry

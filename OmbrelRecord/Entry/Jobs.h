@@ -20,8 +20,9 @@ void updateTest(const std::filesystem::path& folder);
 void film(const std::filesystem::path& folder, const std::filesystem::path& video,
           const std::optional<std::filesystem::path>& log);
 
-/// The application with its windows, until the user quits; the process's status.
-int application(int argc, char** argv);
+/// The application with its windows, until the user quits; the process's status. `file`: a movie or a
+/// recording's folder to open, if not empty.
+int application(int argc, char** argv, const std::filesystem::path& file);
 
 } // namespace Jobs
 } // namespace OmbrelRecord

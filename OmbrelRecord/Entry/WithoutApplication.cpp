@@ -34,7 +34,7 @@ void Jobs::film(const std::filesystem::path&, const std::filesystem::path&,
     say("windows");
 }
 
-int Jobs::application(int, char**) {
+int Jobs::application(int, char**, const std::filesystem::path&) {
     say("windows; see ombrel-record --help");
     return 2;
 }

@@ -60,6 +60,7 @@ TEST_F(Entry, TheSwitchesComeInTheirOrder) {
         {"--snapshot --update-test update", 0, ""},       // which takes the other switch for its folder
         {"sources --selftest", 2, ""},                    // verbs come after them
         {"plan --update-test update", 0, "update"},
+        {"exprot recording", 2, ""}, // neither a verb nor a file
     };
     for (const auto& test : cases) {
         SCOPED_TRACE(test.arguments);

@@ -90,4 +90,20 @@ TEST_F(FileDialog, IsTheProgramsWhereTheDesktopHasNone) {
     expectOpened();
 }
 
+/// As a file manager does it: the first start opens its file, the second hands its own over.
+TEST_F(FileDialog, IsNotNeededForAFileOnTheCommandLine) {
+    const std::string bus = "unix:path=/nowhere/bus";
+    const std::string runtime = (own / "runtime").string();
+    fs::create_directories(runtime);
+    const std::map<std::string, std::string> shared{
+        {"HOME", home.string()}, {"DBUS_SESSION_BUS_ADDRESS", bus}, {"XDG_RUNTIME_DIR", runtime}};
+    program.emplace(*session, shared, std::vector<std::string>{movie.string()});
+    expectOpened();
+    const fs::path other = home / "other.mp4";
+    fs::copy_file(movie, other);
+    Program second(*session, shared, {other.string()});
+    EXPECT_TRUE(eventually(60, [&] { return !second.running(); }));
+    EXPECT_TRUE(program->windowShown(QStringLiteral("other — Ombrel Record"))) << program->log();
+}
+
 } // namespace

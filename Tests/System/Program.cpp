@@ -23,7 +23,9 @@ std::vector<fs::path> filesBelow(const fs::path& folder, const std::function<boo
 
 } // namespace
 
-Program::Program(XSession& session, std::map<std::string, std::string> environment) : session(session) {
+Program::Program(XSession& session, std::map<std::string, std::string> environment,
+                 std::vector<std::string> arguments) :
+    session(session) {
     std::map<std::string, std::string> own{{"HOME", (folder / "home").string()},
                                            {"XDG_CONFIG_HOME", (folder / "config").string()},
                                            {"XDG_CACHE_HOME", (folder / "cache").string()},
@@ -41,8 +43,8 @@ Program::Program(XSession& session, std::map<std::string, std::string> environme
     fs::permissions(folder / "runtime", fs::perms::owner_all);
     for (auto& [name, value] : environment)
         own[name] = value;
-    process.emplace(std::vector<std::string>{OMBREL_RECORD_PROGRAM},
-                    ChildProcess::Options{own, folder / "said"});
+    arguments.insert(arguments.begin(), OMBREL_RECORD_PROGRAM);
+    process.emplace(std::move(arguments), ChildProcess::Options{own, folder / "said"});
 }
 
 std::string Program::said() const {

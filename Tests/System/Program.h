@@ -31,7 +31,8 @@ public:
     using Which = std::function<bool(const Item&)>;
 
     /// `environment` is laid over the program's own.
-    explicit Program(XSession& session, std::map<std::string, std::string> environment = {});
+    explicit Program(XSession& session, std::map<std::string, std::string> environment = {},
+                     std::vector<std::string> arguments = {});
 
     bool running() { return process->running(); }
     /// Asks it to end and waits for it.

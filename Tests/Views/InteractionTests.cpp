@@ -164,12 +164,14 @@ TEST(SingleInstance, TheSecondTellsTheFirst) {
     bool alone = true;
     std::unique_ptr<QThread> other(QThread::create([&] {
         SingleInstance second(place);
-        alone = second.claim();
+        alone = second.claim(QStringLiteral("/a folder/käse.mp4"));
     }));
     other->start();
     EXPECT_TRUE(QTest::qWaitFor([&] { return other->isFinished(); }));
     EXPECT_FALSE(alone);
-    EXPECT_EQ(again.count(), 1);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return again.count() > 0; }));
+    ASSERT_EQ(again.count(), 1);
+    EXPECT_EQ(again.front().front().toString(), QStringLiteral("/a folder/käse.mp4"));
 }
 
 TEST(SingleInstance, WhatACrashLeftBehindIsNobody) {
