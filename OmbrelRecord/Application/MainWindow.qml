@@ -60,21 +60,31 @@ Window {
         id: content
         anchors.fill: parent
         focus: true
+        // Under an editor that is still being made it is only to be looked at.
+        enabled: screen !== 2
         readonly property int screen: main.app.screen
         onScreenChanged: show()
         Component.onCompleted: show()
         onLoaded: item.forceActiveFocus()
 
         function show() {
-            // The editor is made piece by piece between frames, so that nothing halts. Set here: a binding to the
-            // screen would be evaluated before or after this as it happens.
-            asynchronous = screen === 2;
             if (screen === 2 && main.app.editor)
-                setSource("EditorView.qml", { editor: main.app.editor });
-            else if (screen === 1)
+                return editor.setSource("EditorView.qml", { editor: main.app.editor });
+            editor.setSource("");
+            if (screen === 1)
                 sourceComponent = working;
             else
                 setSource("HomeView.qml", { app: main.app });
+        }
+    }
+    // Made piece by piece between frames, so that nothing halts; what was there shows until it is complete.
+    Loader {
+        id: editor
+        anchors.fill: parent
+        asynchronous: true
+        onLoaded: {
+            content.sourceComponent = undefined;
+            item.forceActiveFocus();
         }
     }
     Component {
@@ -86,7 +96,7 @@ Window {
         }
     }
     Connections {
-        target: content.item
+        target: editor.item ?? content.item
         ignoreUnknownSignals: true
         function onBackRequested() { main.app.backHome(); }
         function onFileWanted() { files.ask(); }

@@ -243,6 +243,8 @@ bool OmbrelRecordApp::openMainWindow() {
     if (!window) {
         window = make(QStringLiteral("MainWindow"));
         if (!window) return false;
+        // What loads asynchronously is made in the pauses between its frames; without this, in one go.
+        engine.setIncubationController(window->incubationController());
         connect(window, SIGNAL(quitWanted()), this, SLOT(quit()));
         restore();
     }

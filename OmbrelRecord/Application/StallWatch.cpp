@@ -15,7 +15,7 @@ namespace OmbrelRecord {
 
 namespace {
 
-constexpr double tolerated = 0.050; ///< seconds
+constexpr double noted = 0.025; ///< seconds
 
 double read(clockid_t clock) {
     timespec time{};
@@ -55,7 +55,7 @@ bool StallWatch::notify(QObject* receiver, QEvent* event) {
     --depth;
     const Moment after = now();
     const double held = (after.wall - before.wall) - (after.waited - before.waited);
-    if (held > tolerated && !disregarded)
+    if (held > noted && !disregarded)
         stalls.append(
             QJsonObject{{QStringLiteral("ms"), held * 1000},
                         {QStringLiteral("cpuMs"), (after.cpu - before.cpu) * 1000},

@@ -5,7 +5,7 @@
 
 namespace OmbrelRecord {
 
-/// An application that notes what keeps its main thread from the next event for more than 50 ms: work and
+/// An application that notes what keeps its main thread from the next event for more than 25 ms: work and
 /// waiting count, the time in which other programs had the processor does not. For tests: each event costs a
 /// few microseconds more. Main thread.
 class StallWatch : public QGuiApplication {

@@ -2,7 +2,6 @@
 
 #include "OmbrelRecord/Transcriber/Language.h"
 
-#include <QtCore/QMetaObject>
 #include <QtCore/QSettings>
 #include <algorithm>
 #include <exception>
@@ -17,8 +16,8 @@ const QString languageKey = QStringLiteral("captions.language");
 } // namespace
 
 CaptionWork::~CaptionWork() {
-    cancelled = true;
-    queue.wait();
+    *cancelled = true;
+    Disposal::drop(disposal, std::move(queue));
 }
 
 void CaptionWork::start(Listen listen, std::function<void(Words)> done) {
@@ -26,37 +25,37 @@ void CaptionWork::start(Listen listen, std::function<void(Words)> done) {
     isWorking = true;
     share = 0;
     trouble.clear();
-    cancelled = false;
+    *cancelled = false;
     Q_EMIT changed();
-    queue.post([this, listen = std::move(listen), done = std::move(done)]() mutable {
+    queue->post([this, to = mailbox.address(), cancelled = cancelled, listen = std::move(listen),
+                 done = std::move(done)]() mutable {
         Words words;
         QString failure;
         try {
             words = listen(
-                [this](double heard) {
-                    QMetaObject::invokeMethod(this, [this, heard] {
+                [this, &to](double heard) {
+                    to.post([this, heard] {
                         share = std::clamp(heard, 0.0, 1.0);
                         Q_EMIT changed();
                     });
                 },
-                cancelled);
+                *cancelled);
             if (words.empty())
                 failure = QStringLiteral("No speech found. Record with Mic on to get captions.");
         } catch (const std::exception& error) {
             failure = QString::fromUtf8(error.what());
         }
-        QMetaObject::invokeMethod(
-            this, [this, words = std::move(words), failure, done = std::move(done)]() mutable {
-                finish(std::move(words), failure, done);
-            });
+        to.post([this, words = std::move(words), failure, done = std::move(done)]() mutable {
+            finish(std::move(words), failure, done);
+        });
     });
 }
 
 void CaptionWork::finish(Words words, const QString& failure, const std::function<void(Words)>& done) {
     isWorking = false;
-    if (!cancelled) trouble = failure;
+    if (!*cancelled) trouble = failure;
     Q_EMIT changed();
-    if (!cancelled && !words.empty()) done(std::move(words));
+    if (!*cancelled && !words.empty()) done(std::move(words));
 }
 
 QString CaptionWork::language() {

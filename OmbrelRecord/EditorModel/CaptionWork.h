@@ -1,5 +1,7 @@
 #pragma once
 
+#include "OmbrelRecord/AppModel/Disposal.h"
+#include "OmbrelRecord/AppModel/Mailbox.h"
 #include "OmbrelRecord/AppModel/SerialQueue.h"
 #include "RecordCore/Model/Project.h"
 
@@ -7,6 +9,7 @@
 #include <QtCore/QString>
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -24,7 +27,8 @@ public:
     using Listen =
         std::function<Words(const std::function<void(double)>& progress, const std::atomic<bool>& cancel)>;
 
-    using QObject::QObject;
+    explicit CaptionWork(Disposal* disposal = nullptr, QObject* parent = nullptr) :
+        QObject(parent), disposal(disposal) {}
     /// Gives up what runs.
     ~CaptionWork() override;
 
@@ -35,7 +39,7 @@ public:
 
     /// `done` gets the words, at least one, on the main thread. Ignored while it works.
     void start(Listen listen, std::function<void(Words)> done);
-    void cancel() { cancelled = true; }
+    void cancel() { *cancelled = true; }
 
     /// The language chosen last ("en-US"); the user's own before there is one.
     static QString language();
@@ -51,8 +55,11 @@ private:
     bool isWorking = false;
     double share = 0;
     QString trouble;
-    std::atomic<bool> cancelled{false};
-    SerialQueue queue; ///< last: ended before what its work uses
+    Mailbox mailbox;
+    // Both may come to their end in the disposal.
+    std::shared_ptr<std::atomic<bool>> cancelled = std::make_shared<std::atomic<bool>>(false);
+    std::shared_ptr<SerialQueue> queue = std::make_shared<SerialQueue>();
+    Disposal* disposal;
 };
 
 } // namespace OmbrelRecord

@@ -35,7 +35,8 @@ bool holds(const std::vector<Block>& blocks, const Uuid& id) {
 
 EditorModel::EditorModel(OpenedRecording recording, EditorParts editorParts, QObject* parent) :
     QObject(parent), opened(std::move(recording)), parts(std::move(editorParts)),
-    store(std::make_unique<ProjectStore>(opened.files.project())) {
+    store(std::make_unique<ProjectStore>(opened.files.project())), listening(parts.disposal),
+    exporting(parts.disposal) {
     std::string problem;
     if (auto loaded = store->load(&problem))
         current = std::move(*loaded);
@@ -73,14 +74,16 @@ EditorModel::EditorModel(OpenedRecording recording, EditorParts editorParts, QOb
 
 Filmstrip* EditorModel::filmstrip(int pictureHeight) {
     if (parts.media && (!film || film->pictureHeight() != pictureHeight))
-        film = std::make_unique<Filmstrip>(*parts.media, opened.video, duration(), pictureHeight);
+        film = std::make_unique<Filmstrip>(*parts.media, opened.video, duration(), pictureHeight,
+                                           parts.disposal);
     return film.get();
 }
 
 Waveform* EditorModel::waveform() {
     if (parts.media && !sound && hasSound())
         sound = std::make_unique<Waveform>(*parts.media, opened.video, duration(),
-                                           parts.cache.empty() ? parts.cache : parts.cache / "sound");
+                                           parts.cache.empty() ? parts.cache : parts.cache / "sound",
+                                           parts.disposal);
     return sound.get();
 }
 

@@ -97,6 +97,7 @@ public:
     const RecordCore::MediaBackend* media() const { return parts.media; }
     const RecordCore::Project& project() const { return current; }
     const RecordCore::Plan& plan() const { return currentPlan; }
+    Disposal* disposal() const { return parts.disposal; }
     EditorPreview* preview() const { return shownPreview.get(); }
 
     // What timelines draw of the recording. Made when it is first asked for and kept as long as the recording

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OmbrelRecord/AppModel/Desktop.h"
+#include "OmbrelRecord/AppModel/Disposal.h"
 #include "RecordCore/Media/MediaBackend.h"
 #include "RecordCore/Model/ExportOptions.h"
 #include "RecordCore/Planning/Plan.h"
@@ -51,6 +52,9 @@ struct ExportJob {
 struct EditorParts {
     /// Where pictures and sound for the views come from; without it they show none.
     const RecordCore::MediaBackend* media = nullptr;
+    /// Where the editor's threads come to their end when it is left; without it the main thread waits for
+    /// them.
+    Disposal* disposal = nullptr;
     /// Seconds of a clock that never goes back.
     std::function<double()> now;
     Desktop* desktop = nullptr;

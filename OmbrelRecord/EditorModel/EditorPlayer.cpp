@@ -3,10 +3,10 @@
 #include "OmbrelRecord/AppModel/Diag.h"
 #include "RecordCore/Preview/Preview.h"
 
-#include <QtCore/QCoreApplication>
-#include <QtCore/QMetaObject>
 #include <algorithm>
+#include <atomic>
 #include <exception>
+#include <mutex>
 #include <utility>
 
 namespace OmbrelRecord {
@@ -33,18 +33,54 @@ QImage imageOf(const std::shared_ptr<const PreviewImage>& pixels) {
 
 } // namespace
 
+/// What the preparing thread and the player use; they may outlive the object that shows the film.
+class EditorPlayer::Workshop : public std::enable_shared_from_this<Workshop> {
+public:
+    /// `hear` is called on the main thread, while the mailbox is there.
+    Workshop(std::shared_ptr<const MediaBackend> media, const OpenedRecording& recording,
+             SoundOutputFactory makeSound, Mailbox::Address to, std::function<void(const News&)> hear) :
+        media(std::move(media)),
+        video(recording.video), camera(recording.camera()), info(recording.info), log(recording.log),
+        makeSound(std::move(makeSound)), to(std::move(to)), hear(std::move(hear)) {}
+
+    /// On the preparing thread.
+    std::shared_ptr<Prepared> prepared(Request request, bool makePlayer);
+
+    /// Nobody waits for what is prepared any more.
+    std::atomic<bool> left{false};
+
+private:
+    void tell(const std::function<void(News&)>& change);
+
+    const std::shared_ptr<const MediaBackend> media;
+    const std::filesystem::path video;
+    const std::optional<std::filesystem::path> camera;
+    const SourceInfo info;
+    const std::optional<InputLog> log;
+    const SoundOutputFactory makeSound;
+    const Mailbox::Address to;
+    const std::function<void(const News&)> hear;
+
+    std::mutex mutex;
+    News news; ///< guarded by the mutex
+    bool newsPosted = false;
+
+    std::shared_ptr<const Compositor> compositor; ///< of the preparing thread
+};
+
 EditorPlayer::Factory EditorPlayer::factory(std::shared_ptr<const MediaBackend> media,
-                                            SoundOutputFactory makeSound) {
-    return [media = std::move(media), makeSound = std::move(makeSound)](const OpenedRecording& recording) {
-        return std::make_unique<EditorPlayer>(media, recording, makeSound);
+                                            SoundOutputFactory makeSound, Disposal* disposal) {
+    return [media = std::move(media), makeSound = std::move(makeSound),
+            disposal](const OpenedRecording& recording) {
+        return std::make_unique<EditorPlayer>(media, recording, makeSound, disposal);
     };
 }
 
-EditorPlayer::EditorPlayer(std::shared_ptr<const MediaBackend> backend, const OpenedRecording& recording,
-                           SoundOutputFactory soundFactory) :
-    media(std::move(backend)),
-    video(recording.video), camera(recording.camera()), info(recording.info), log(recording.log),
-    makeSound(std::move(soundFactory)) {
+EditorPlayer::EditorPlayer(std::shared_ptr<const MediaBackend> media, const OpenedRecording& recording,
+                           SoundOutputFactory makeSound, Disposal* disposal) :
+    disposal(disposal),
+    workshop(std::make_shared<Workshop>(std::move(media), recording, std::move(makeSound), mailbox.address(),
+                                        [this](const News& heard) { hear(heard); })) {
     connect(&shownPicture, &PreviewPicture::viewSizeChanged, this, [this] {
         if (!current) return;
         Request again = wanted ? *wanted : *current;
@@ -56,10 +92,9 @@ EditorPlayer::EditorPlayer(std::shared_ptr<const MediaBackend> backend, const Op
 }
 
 EditorPlayer::~EditorPlayer() {
-    queue.wait();
-    engine.reset();
-    // A film that has come too late holds a player, which tells this object what it does.
-    QCoreApplication::removePostedEvents(this);
+    workshop->left = true;
+    Disposal::drop(disposal, std::move(queue));
+    Disposal::drop(disposal, std::move(engine));
 }
 
 double EditorPlayer::scaleFor(const Project& project) const {
@@ -81,15 +116,14 @@ void EditorPlayer::prepare() {
     if (preparing || !wanted) return;
     preparing = true;
     current = std::exchange(wanted, std::nullopt);
-    queue.post([this, request = *current, told = std::exchange(asking, {}), first = !engine]() mutable {
-        const std::shared_ptr<Prepared> result = prepared(std::move(request), first);
-        QMetaObject::invokeMethod(
-            this, [this, result, told = std::move(told)]() mutable { ready(*result, std::move(told)); });
+    queue->post([this, workshop = workshop, to = mailbox.address(), request = *current,
+                 told = std::exchange(asking, {}), first = !engine]() mutable {
+        const std::shared_ptr<Prepared> result = workshop->prepared(std::move(request), first);
+        if (!workshop->left) to.post([this, result, told = std::move(told)] { ready(*result, told); });
     });
 }
 
-/// On the preparing thread.
-std::shared_ptr<EditorPlayer::Prepared> EditorPlayer::prepared(Request request, bool makePlayer) {
+std::shared_ptr<EditorPlayer::Prepared> EditorPlayer::Workshop::prepared(Request request, bool makePlayer) {
     auto result = std::make_shared<Prepared>();
     try {
         const Project& project = request.project;
@@ -101,20 +135,22 @@ std::shared_ptr<EditorPlayer::Prepared> EditorPlayer::prepared(Request request, 
             compositor = built.renderer->compositor();
             result->film = {built.renderer->scene(), compositor, built.item.composition};
             Player::Handlers handlers;
-            handlers.onFrame = [this](const PreviewFrame& frame) {
-                tell([&](News& all) { all.frame = frame; });
+            handlers.onFrame = [self = shared_from_this()](const PreviewFrame& frame) {
+                self->tell([&](News& all) { all.frame = frame; });
             };
-            handlers.onTime = [this](double seconds, std::uint64_t seek) {
-                tell([&](News& all) {
+            handlers.onTime = [self = shared_from_this()](double seconds, std::uint64_t seek) {
+                self->tell([&](News& all) {
                     all.time = seconds;
                     all.timeSeek = seek;
                 });
             };
-            handlers.onPlaying = [this](bool plays) { tell([&](News& all) { all.playing = plays; }); };
+            handlers.onPlaying = [self = shared_from_this()](bool plays) {
+                self->tell([&](News& all) { all.playing = plays; });
+            };
             handlers.onFailure = [](const std::string& problem) {
                 Diag::log("preview: no pictures " + problem);
             };
-            result->made = std::make_unique<Player>(*media, built.item, makeSound ? makeSound() : nullptr,
+            result->made = std::make_shared<Player>(*media, built.item, makeSound ? makeSound() : nullptr,
                                                     std::move(handlers));
         } else {
             CompositorSettings settings = Preview::compositorSettings(
@@ -131,9 +167,9 @@ std::shared_ptr<EditorPlayer::Prepared> EditorPlayer::prepared(Request request, 
     return result;
 }
 
-void EditorPlayer::ready(Prepared& result, std::vector<std::function<void()>> told) {
+void EditorPlayer::ready(Prepared& result, const std::vector<std::function<void()>>& told) {
     preparing = false;
-    const auto tellAll = [told = std::move(told)] {
+    const auto tellAll = [told] {
         for (const auto& one : told)
             one();
     };
@@ -146,8 +182,8 @@ void EditorPlayer::ready(Prepared& result, std::vector<std::function<void()>> to
         // Another film is on its way, and the seek is in its times.
         const bool later = wanted && !(wanted->plan == *playing);
         const auto at = later ? std::nullopt : std::exchange(heldSeek, std::nullopt);
-        const std::uint64_t number = engine->update(
-            std::move(result.film), at, [this, tellAll] { QMetaObject::invokeMethod(this, tellAll); });
+        const std::uint64_t number = engine->update(std::move(result.film), at,
+                                                    [to = mailbox.address(), tellAll] { to.post(tellAll); });
         lastSeek = std::max(lastSeek, number);
         if (const auto play = std::exchange(heldPlay, std::nullopt)) *play ? engine->play() : engine->pause();
     }
@@ -172,23 +208,26 @@ void EditorPlayer::seek(double outputSeconds) {
 }
 
 /// On the player's thread: the main thread hears of it when it gets to it, of the latest only.
-void EditorPlayer::tell(const std::function<void(News&)>& change) {
+void EditorPlayer::Workshop::tell(const std::function<void(News&)>& change) {
     bool post = false;
     {
         const std::lock_guard lock(mutex);
         change(news);
         post = !std::exchange(newsPosted, true);
     }
-    if (post) QMetaObject::invokeMethod(this, [this] { hear(); });
+    if (!post) return;
+    to.post([self = shared_from_this()] {
+        News heard;
+        {
+            const std::lock_guard lock(self->mutex);
+            heard = std::exchange(self->news, {});
+            self->newsPosted = false;
+        }
+        self->hear(heard);
+    });
 }
 
-void EditorPlayer::hear() {
-    News heard;
-    {
-        const std::lock_guard lock(mutex);
-        heard = std::exchange(news, {});
-        newsPosted = false;
-    }
+void EditorPlayer::hear(const News& heard) {
     if (heard.frame) show(*heard.frame);
     // A time from before the latest seek would move the playhead back.
     const bool fresh = heard.time && heard.timeSeek >= lastSeek && !heldSeek;

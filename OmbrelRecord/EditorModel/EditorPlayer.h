@@ -1,5 +1,7 @@
 #pragma once
 
+#include "OmbrelRecord/AppModel/Disposal.h"
+#include "OmbrelRecord/AppModel/Mailbox.h"
 #include "OmbrelRecord/AppModel/SerialQueue.h"
 #include "OmbrelRecord/EditorModel/EditorParts.h"
 #include "OmbrelRecord/EditorModel/OpenedRecording.h"
@@ -12,7 +14,6 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -27,12 +28,13 @@ class EditorPlayer : public QObject, public EditorPreview {
 public:
     using Factory = std::function<std::unique_ptr<EditorPreview>(const OpenedRecording&)>;
 
-    /// What to give as `EditorParts::makePreview`. Without `makeSound` the film plays silently.
+    /// What to give as `EditorParts::makePreview`. Without `makeSound` the film plays silently. The threads
+    /// of a preview that goes come to their end in the disposal.
     static Factory factory(std::shared_ptr<const RecordCore::MediaBackend> media,
-                           RecordCore::SoundOutputFactory makeSound);
+                           RecordCore::SoundOutputFactory makeSound, Disposal* disposal = nullptr);
 
     EditorPlayer(std::shared_ptr<const RecordCore::MediaBackend> media, const OpenedRecording& recording,
-                 RecordCore::SoundOutputFactory makeSound);
+                 RecordCore::SoundOutputFactory makeSound, Disposal* disposal = nullptr);
     ~EditorPlayer() override;
 
     void update(const RecordCore::Project& project, const RecordCore::Plan& plan,
@@ -56,7 +58,7 @@ private:
     struct Prepared {
         Request request;
         RecordCore::Player::Film film;
-        std::unique_ptr<RecordCore::Player> made;
+        std::shared_ptr<RecordCore::Player> made;
         std::string failure;
     };
     /// What the player has told since the main thread looked last.
@@ -67,20 +69,13 @@ private:
         std::optional<bool> playing;
     };
 
-    void prepare();
-    std::shared_ptr<Prepared> prepared(Request request, bool makePlayer);
-    void ready(Prepared& result, std::vector<std::function<void()>> told);
-    double scaleFor(const RecordCore::Project& project) const;
-    void tell(const std::function<void(News&)>& change);
-    void hear();
-    void show(const RecordCore::PreviewFrame& frame);
+    class Workshop;
 
-    const std::shared_ptr<const RecordCore::MediaBackend> media;
-    const std::filesystem::path video;
-    const std::optional<std::filesystem::path> camera;
-    const RecordCore::SourceInfo info;
-    const std::optional<RecordCore::InputLog> log;
-    const RecordCore::SoundOutputFactory makeSound;
+    void prepare();
+    void ready(Prepared& result, const std::vector<std::function<void()>>& told);
+    double scaleFor(const RecordCore::Project& project) const;
+    void hear(const News& heard);
+    void show(const RecordCore::PreviewFrame& frame);
 
     PreviewPicture shownPicture;
     std::optional<Request> wanted;             ///< to be prepared when the one in work is
@@ -93,16 +88,11 @@ private:
     std::uint64_t lastSeek = 0;
     std::shared_ptr<const RecordCore::PreviewImage> shownPixels;
 
-    std::mutex mutex;
-    News news; ///< guarded by the mutex
-    bool newsPosted = false;
-
-    // Of the preparing thread.
-    std::shared_ptr<const RecordCore::Compositor> compositor;
-
-    // Ended first, in this order: what they run uses the members above.
-    std::unique_ptr<RecordCore::Player> engine;
-    SerialQueue queue;
+    Mailbox mailbox;
+    Disposal* disposal;
+    std::shared_ptr<Workshop> workshop;
+    std::shared_ptr<RecordCore::Player> engine;
+    std::shared_ptr<SerialQueue> queue = std::make_shared<SerialQueue>();
 };
 
 } // namespace OmbrelRecord

@@ -2,7 +2,6 @@
 
 #include "OmbrelRecord/AppModel/Diag.h"
 
-#include <QtCore/QMetaObject>
 #include <algorithm>
 #include <exception>
 #include <utility>
@@ -10,8 +9,8 @@
 namespace OmbrelRecord {
 
 ExportWork::~ExportWork() {
-    cancelled = true;
-    queue.wait();
+    *cancelled = true;
+    Disposal::drop(disposal, std::move(queue));
 }
 
 void ExportWork::start(ExportJob job, decltype(EditorParts::exportFilm) write) {
@@ -19,27 +18,27 @@ void ExportWork::start(ExportJob job, decltype(EditorParts::exportFilm) write) {
     now = State::working;
     share = 0;
     problem.clear();
-    cancelled = false;
+    *cancelled = false;
     Q_EMIT changed();
-    queue.post([this, job = std::move(job), write = std::move(write)] {
+    queue->post([this, to = mailbox.address(), cancelled = cancelled, job = std::move(job),
+                 write = std::move(write)] {
         std::string failure;
         try {
             std::filesystem::create_directories(job.destination.parent_path());
             write(
                 job,
-                [this](double done) {
-                    QMetaObject::invokeMethod(this, [this, done] {
+                [this, &to](double done) {
+                    to.post([this, done] {
                         if (now != State::working) return;
                         share = std::clamp(done, 0.0, 1.0);
                         Q_EMIT changed();
                     });
                 },
-                cancelled);
+                *cancelled);
         } catch (const std::exception& error) {
             failure = *error.what() ? error.what() : "unknown error";
         }
-        QMetaObject::invokeMethod(
-            this, [this, failure, destination = job.destination] { end(failure, destination); });
+        to.post([this, failure, destination = job.destination] { end(failure, destination); });
     });
 }
 
@@ -49,7 +48,7 @@ void ExportWork::end(const std::string& failure, const std::filesystem::path& de
         share = 1;
         made = destination;
         Q_EMIT finished();
-    } else if (cancelled) {
+    } else if (*cancelled) {
         now = State::idle;
         share = 0;
     } else {
@@ -61,7 +60,7 @@ void ExportWork::end(const std::string& failure, const std::filesystem::path& de
 }
 
 void ExportWork::cancel() {
-    cancelled = true;
+    *cancelled = true;
     Q_EMIT changed();
 }
 

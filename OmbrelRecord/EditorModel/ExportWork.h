@@ -1,5 +1,7 @@
 #pragma once
 
+#include "OmbrelRecord/AppModel/Disposal.h"
+#include "OmbrelRecord/AppModel/Mailbox.h"
 #include "OmbrelRecord/AppModel/SerialQueue.h"
 #include "OmbrelRecord/EditorModel/EditorParts.h"
 
@@ -7,6 +9,7 @@
 #include <QtCore/QString>
 #include <atomic>
 #include <filesystem>
+#include <memory>
 
 namespace OmbrelRecord {
 
@@ -17,7 +20,8 @@ class ExportWork : public QObject {
 public:
     enum class State { idle, working, done, failed };
 
-    using QObject::QObject;
+    explicit ExportWork(Disposal* disposal = nullptr, QObject* parent = nullptr) :
+        QObject(parent), disposal(disposal) {}
     /// Gives up what runs.
     ~ExportWork() override;
 
@@ -26,7 +30,7 @@ public:
     QString failure() const { return problem; }
     /// The film made last; empty before the first.
     const std::filesystem::path& film() const { return made; }
-    bool cancelling() const { return cancelled && now == State::working; }
+    bool cancelling() const { return *cancelled && now == State::working; }
 
     /// `write` is what EditorParts has for it. Ignored while a film is being made.
     void start(ExportJob job, decltype(EditorParts::exportFilm) write);
@@ -45,8 +49,11 @@ private:
     double share = 0;
     QString problem;
     std::filesystem::path made;
-    std::atomic<bool> cancelled{false};
-    SerialQueue queue; ///< last: ended before what its work uses
+    Mailbox mailbox;
+    // Both may come to their end in the disposal.
+    std::shared_ptr<std::atomic<bool>> cancelled = std::make_shared<std::atomic<bool>>(false);
+    std::shared_ptr<SerialQueue> queue = std::make_shared<SerialQueue>();
+    Disposal* disposal;
 };
 
 } // namespace OmbrelRecord

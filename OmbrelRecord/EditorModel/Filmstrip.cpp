@@ -15,9 +15,9 @@ constexpr int coarsest = 80;
 } // namespace
 
 Filmstrip::Filmstrip(const RecordCore::MediaBackend& media, const std::filesystem::path& video,
-                     double duration, int height, QObject* parent) :
+                     double duration, int height, Disposal* disposal, QObject* parent) :
     QObject(parent),
-    duration(duration), height(height), pictures(memory), grabber(media, video) {
+    duration(duration), height(height), pictures(memory), grabber(media, video, disposal) {
     connect(&grabber, &FrameGrabber::grabbed, this, [this](quint64 slot, const QImage& picture) {
         if (picture.isNull())
             unreadable.insert(slot);

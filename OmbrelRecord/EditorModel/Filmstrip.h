@@ -14,9 +14,9 @@ class Filmstrip : public QObject {
     Q_OBJECT
 
 public:
-    /// `media` must outlive the object. Pictures are `height` pixels high.
+    /// `media` must outlive the object and the disposal. Pictures are `height` pixels high.
     Filmstrip(const RecordCore::MediaBackend& media, const std::filesystem::path& video, double duration,
-              int height, QObject* parent = nullptr);
+              int height, Disposal* disposal = nullptr, QObject* parent = nullptr);
 
     /// The level whose pictures stand at most `seconds` apart (the finest where none does), and how far apart
     /// they stand.

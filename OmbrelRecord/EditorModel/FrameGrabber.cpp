@@ -2,9 +2,13 @@
 
 #include "OmbrelRecord/AppModel/Images.h"
 
-#include <QtCore/QMetaObject>
 #include <algorithm>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
 #include <optional>
+#include <thread>
+#include <utility>
 
 namespace OmbrelRecord {
 
@@ -45,19 +49,45 @@ private:
 
 } // namespace
 
-FrameGrabber::FrameGrabber(const MediaBackend& media, std::filesystem::path video, QObject* parent) :
-    QObject(parent), media(media), video(std::move(video)) {}
+/// The thread, and what it is asked for. Knows nothing of the grabber, which may be gone before its end.
+class FrameGrabber::Work {
+public:
+    using Tell = std::function<void(quint64 key, const QImage& picture)>; ///< on the thread
 
-FrameGrabber::~FrameGrabber() {
-    {
-        const std::lock_guard lock(mutex);
-        ending = true;
+    Work(const MediaBackend& media, std::filesystem::path video, Tell tell) :
+        media(media), video(std::move(video)), tell(std::move(tell)) {}
+    ~Work() {
+        end();
+        if (thread.joinable()) thread.join();
     }
-    changed.notify_all();
-    if (thread.joinable()) thread.join();
-}
+    Work(const Work&) = delete;
+    Work& operator=(const Work&) = delete;
 
-void FrameGrabber::want(std::vector<Wanted> pictures) {
+    void want(std::vector<Wanted> pictures);
+    /// The picture in work is the last.
+    void end() {
+        {
+            const std::lock_guard lock(mutex);
+            ending = true;
+        }
+        changed.notify_all();
+    }
+
+private:
+    void run();
+
+    const MediaBackend& media;
+    const std::filesystem::path video;
+    const Tell tell;
+    std::mutex mutex;
+    std::condition_variable changed;
+    // Guarded by the mutex.
+    std::vector<Wanted> wanted; ///< the most urgent last
+    bool ending = false;
+    std::thread thread;
+};
+
+void FrameGrabber::Work::want(std::vector<Wanted> pictures) {
     std::reverse(pictures.begin(), pictures.end());
     {
         const std::lock_guard lock(mutex);
@@ -67,7 +97,7 @@ void FrameGrabber::want(std::vector<Wanted> pictures) {
     changed.notify_all();
 }
 
-void FrameGrabber::run() {
+void FrameGrabber::Work::run() {
     std::optional<Reader> reader;
     bool broken = false;
     while (true) {
@@ -92,8 +122,26 @@ void FrameGrabber::run() {
             reader.reset();
             broken = true;
         }
-        QMetaObject::invokeMethod(this, [this, key = next.key, picture] { Q_EMIT grabbed(key, picture); });
+        tell(next.key, picture);
     }
+}
+
+FrameGrabber::FrameGrabber(const MediaBackend& media, const std::filesystem::path& video, Disposal* disposal,
+                           QObject* parent) :
+    QObject(parent),
+    work(std::make_shared<Work>(media, video,
+                                [this, to = mailbox.address()](quint64 key, const QImage& picture) {
+                                    to.post([this, key, picture] { Q_EMIT grabbed(key, picture); });
+                                })),
+    disposal(disposal) {}
+
+FrameGrabber::~FrameGrabber() {
+    work->end();
+    Disposal::drop(disposal, std::move(work));
+}
+
+void FrameGrabber::want(std::vector<Wanted> pictures) {
+    work->want(std::move(pictures));
 }
 
 } // namespace OmbrelRecord

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "OmbrelRecord/AppModel/Disposal.h"
+#include "OmbrelRecord/AppModel/Mailbox.h"
 #include "RecordCore/Media/MediaBackend.h"
 
 #include <QtCore/QObject>
 #include <QtGui/QImage>
-#include <condition_variable>
 #include <filesystem>
-#include <mutex>
-#include <thread>
+#include <memory>
 #include <vector>
 
 namespace OmbrelRecord {
@@ -25,9 +25,9 @@ public:
         double slack = 0;
     };
 
-    /// `media` must outlive the object.
-    FrameGrabber(const RecordCore::MediaBackend& media, std::filesystem::path video,
-                 QObject* parent = nullptr);
+    /// `media` must outlive the object, and the disposal, where a picture in work may come to its end.
+    FrameGrabber(const RecordCore::MediaBackend& media, const std::filesystem::path& video,
+                 Disposal* disposal = nullptr, QObject* parent = nullptr);
     ~FrameGrabber() override;
 
     /// What is wanted now, the most urgent first; what was asked for before and is not among it is forgotten.
@@ -38,16 +38,11 @@ Q_SIGNALS:
     void grabbed(quint64 key, const QImage& picture);
 
 private:
-    void run();
+    class Work;
 
-    const RecordCore::MediaBackend& media;
-    const std::filesystem::path video;
-    std::mutex mutex;
-    std::condition_variable changed;
-    // Guarded by the mutex.
-    std::vector<Wanted> wanted; ///< the most urgent last
-    bool ending = false;
-    std::thread thread;
+    Mailbox mailbox;
+    std::shared_ptr<Work> work;
+    Disposal* disposal;
 };
 
 } // namespace OmbrelRecord

@@ -5,7 +5,6 @@
 #include "RecordCore/Planning/Planner.h"
 #include "RecordCore/Preview/Preview.h"
 
-#include <QtCore/QMetaObject>
 #include <algorithm>
 #include <optional>
 #include <utility>
@@ -68,14 +67,15 @@ private:
     double shownTime = 0;
 };
 
-LookPictures::LookPictures(QObject* parent) : QObject(parent), round(std::make_shared<std::atomic<int>>(0)) {
+LookPictures::LookPictures(QObject* parent) :
+    QObject(parent), round(std::make_shared<std::atomic<int>>(0)), queue(std::make_shared<SerialQueue>()) {
     soon.setSingleShot(true);
     connect(&soon, &QTimer::timeout, this, &LookPictures::ask);
 }
 
 LookPictures::~LookPictures() {
     ++*round;
-    queue.wait();
+    Disposal::drop(disposal, std::move(queue));
 }
 
 void LookPictures::setEditor(EditorModel* editor) {
@@ -85,6 +85,7 @@ void LookPictures::setEditor(EditorModel* editor) {
     entries.clear();
     painter.reset();
     if (model) {
+        disposal = model->disposal();
         connect(model, &EditorModel::planChanged, this, &LookPictures::askSoon);
         connect(model, &EditorModel::projectChanged, this, &LookPictures::askSoon);
         connect(model, &EditorModel::playheadChanged, this, &LookPictures::askSoon);
@@ -167,13 +168,14 @@ void LookPictures::ask() {
     for (int row = 0; row < presets->count(); ++row)
         Q_EMIT pictureChanged(row);
     for (Job& job : jobs)
-        queue.post([this, mine, round = round, painter = painter, job = std::move(job)] {
-            if (round->load() != mine) return;
-            const QImage image = painter->paint(job.key);
-            QMetaObject::invokeMethod(this, [this, mine, row = job.row, key = job.key, image] {
-                if (this->round->load() == mine) show(row, key, image);
+        queue->post(
+            [this, to = mailbox.address(), mine, round = round, painter = painter, job = std::move(job)] {
+                if (round->load() != mine) return;
+                const QImage image = painter->paint(job.key);
+                to.post([this, mine, row = job.row, key = job.key, image] {
+                    if (this->round->load() == mine) show(row, key, image);
+                });
             });
-        });
     if (open == 0) Q_EMIT settledChanged();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OmbrelRecord/AppModel/Mailbox.h"
 #include "OmbrelRecord/AppModel/SerialQueue.h"
 #include "OmbrelRecord/EditorModel/EditorModel.h"
 #include "OmbrelRecord/EditorModel/LookPresets.h"
@@ -30,7 +31,6 @@ class LookPictures : public QObject {
 
 public:
     explicit LookPictures(QObject* parent = nullptr);
-    /// Waits for the picture that is being made.
     ~LookPictures() override;
 
     EditorModel* editor() const { return model; }
@@ -78,7 +78,10 @@ private:
     QTimer soon;
     std::shared_ptr<Painter> painter;
     std::shared_ptr<std::atomic<int>> round; ///< what was asked for in an earlier one is not made any more
-    SerialQueue queue;
+    Mailbox mailbox;
+    /// The picture in work may come to its end in the disposal of the editor's parts.
+    std::shared_ptr<SerialQueue> queue;
+    Disposal* disposal = nullptr;
 };
 
 } // namespace OmbrelRecord

@@ -3,12 +3,15 @@
 #include "OmbrelRecord/AppModel/FileKey.h"
 #include "RecordCore/Model/AtomicFile.h"
 
-#include <QtCore/QMetaObject>
 #include <algorithm>
+#include <atomic>
 #include <cmath>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <thread>
+#include <utility>
 
 namespace OmbrelRecord {
 
@@ -49,21 +52,35 @@ void keep(const std::filesystem::path& file, const std::string& peaks) {
 
 } // namespace
 
-Waveform::Waveform(const MediaBackend& media, const std::filesystem::path& video, double duration,
-                   const std::filesystem::path& cache, QObject* parent) :
-    QObject(parent),
-    thread([this, &media, video, duration, cache] { read(media, video, duration, cache); }) {}
+/// The thread that reads. Knows nothing of the waveform, which may be gone before its end.
+class Waveform::Reading {
+public:
+    using Hand = std::function<void(std::vector<std::uint8_t> more, bool last)>; ///< on the thread
 
-Waveform::~Waveform() {
-    ending = true;
-    thread.join();
-}
+    Reading(const MediaBackend& media, const std::filesystem::path& video, double duration,
+            const std::filesystem::path& cache, Hand hand) :
+        thread([this, &media, video, duration, cache, hand = std::move(hand)] {
+            read(media, video, duration, cache, hand);
+        }) {}
+    ~Reading() {
+        end();
+        thread.join();
+    }
+    Reading(const Reading&) = delete;
+    Reading& operator=(const Reading&) = delete;
 
-void Waveform::read(const MediaBackend& media, const std::filesystem::path& video, double duration,
-                    const std::filesystem::path& cache) {
-    const auto hand = [this](std::vector<std::uint8_t> more, bool last) {
-        QMetaObject::invokeMethod(this, [this, more = std::move(more), last] { add(more, last); });
-    };
+    void end() { ending = true; }
+
+private:
+    void read(const MediaBackend& media, const std::filesystem::path& video, double duration,
+              const std::filesystem::path& cache, const Hand& hand) const;
+
+    std::atomic<bool> ending{false};
+    std::thread thread;
+};
+
+void Waveform::Reading::read(const MediaBackend& media, const std::filesystem::path& video, double duration,
+                             const std::filesystem::path& cache, const Hand& hand) const {
     const auto total = static_cast<std::int64_t>(std::ceil(std::max(duration, 0.0) * perSecond));
     const std::filesystem::path file =
         cache.empty() ? cache : cache / (fileKey(video).toStdString() + ".peaks");
@@ -100,6 +117,21 @@ void Waveform::read(const MediaBackend& media, const std::filesystem::path& vide
     } catch (const std::exception&) {
         hand({}, true); // sound that cannot be read shows as silence
     }
+}
+
+Waveform::Waveform(const MediaBackend& media, const std::filesystem::path& video, double duration,
+                   const std::filesystem::path& cache, Disposal* disposal, QObject* parent) :
+    QObject(parent),
+    reading(
+        std::make_shared<Reading>(media, video, duration, cache,
+                                  [this, to = mailbox.address()](std::vector<std::uint8_t> more, bool last) {
+                                      to.post([this, more = std::move(more), last] { add(more, last); });
+                                  })),
+    disposal(disposal) {}
+
+Waveform::~Waveform() {
+    reading->end();
+    Disposal::drop(disposal, std::move(reading));
 }
 
 void Waveform::add(const std::vector<std::uint8_t>& more, bool last) {

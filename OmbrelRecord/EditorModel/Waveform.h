@@ -1,12 +1,13 @@
 #pragma once
 
+#include "OmbrelRecord/AppModel/Disposal.h"
+#include "OmbrelRecord/AppModel/Mailbox.h"
 #include "RecordCore/Media/MediaBackend.h"
 
 #include <QtCore/QObject>
-#include <atomic>
 #include <cstdint>
 #include <filesystem>
-#include <thread>
+#include <memory>
 #include <vector>
 
 namespace OmbrelRecord {
@@ -19,10 +20,11 @@ class Waveform : public QObject {
 public:
     static constexpr int perSecond = 100;
 
-    /// Starts reading at once. `media` must outlive the object. `cache` is a folder, which need not exist;
-    /// with an empty one nothing is kept.
+    /// Starts reading at once. `media` must outlive the object, and the disposal, where the reading may come
+    /// to its end. `cache` is a folder, which need not exist; with an empty one nothing is kept.
     Waveform(const RecordCore::MediaBackend& media, const std::filesystem::path& video, double duration,
-             const std::filesystem::path& cache = {}, QObject* parent = nullptr);
+             const std::filesystem::path& cache = {}, Disposal* disposal = nullptr,
+             QObject* parent = nullptr);
     ~Waveform() override;
 
     /// Known up to this time; the rest is still being read.
@@ -39,16 +41,17 @@ Q_SIGNALS:
     void changed();
 
 private:
-    void read(const RecordCore::MediaBackend& media, const std::filesystem::path& video, double duration,
-              const std::filesystem::path& cache);
+    class Reading;
+
     void add(const std::vector<std::uint8_t>& more, bool last);
 
     std::vector<std::uint8_t> peaks;
     std::vector<std::uint8_t> coarse; ///< the loudest of every 64 peaks
     std::uint8_t loudest = 0;
     bool finished = false;
-    std::atomic<bool> ending{false};
-    std::thread thread;
+    Mailbox mailbox;
+    std::shared_ptr<Reading> reading;
+    Disposal* disposal;
 };
 
 } // namespace OmbrelRecord

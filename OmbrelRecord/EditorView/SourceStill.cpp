@@ -21,7 +21,8 @@ void SourceStill::setEditor(EditorModel* editor) {
     picture = {};
     grabber.reset();
     if (model && model->media()) {
-        grabber = std::make_unique<FrameGrabber>(*model->media(), model->recording().video);
+        grabber =
+            std::make_unique<FrameGrabber>(*model->media(), model->recording().video, model->disposal());
         connect(grabber.get(), &FrameGrabber::grabbed, this, [this](quint64, const QImage& image) {
             if (image.isNull()) return;
             picture = image;

@@ -52,6 +52,7 @@ AppSession::~AppSession() = default;
 EditorParts AppSession::editorParts() {
     EditorParts parts;
     parts.media = mediaBackend.get();
+    parts.disposal = &disposal;
     parts.now = [] { return HostClock::system().now(); };
     parts.desktop = &desktop;
     parts.films = library.films();
@@ -64,7 +65,8 @@ EditorParts AppSession::editorParts() {
         log(fmt::format("export: {} frames, {:.1f} s in {:.1f} s", stats.frames, stats.outputSeconds,
                         stats.wallSeconds));
     };
-    parts.makePreview = EditorPlayer::factory(mediaBackend, [] { return makeSoundOutput(log); });
+    parts.makePreview = EditorPlayer::factory(
+        mediaBackend, [] { return makeSoundOutput(log); }, &disposal);
     // What the user is not told of a failure goes to the log.
     const auto listen = [this](const auto& work) {
         try {

@@ -2,6 +2,7 @@
 
 #include "OmbrelRecord/AppModel/AppModel.h"
 #include "OmbrelRecord/AppModel/Desktop.h"
+#include "OmbrelRecord/AppModel/Disposal.h"
 #include "OmbrelRecord/AppModel/Mailbox.h"
 #include "OmbrelRecord/AppModel/SerialQueue.h"
 #include "OmbrelRecord/AppModel/SessionCameras.h"
@@ -45,6 +46,7 @@ private:
     std::shared_ptr<const RecordCore::MediaBackend> mediaBackend;
     CaptureServices services;
     std::unique_ptr<SpeechEngine> speech;
+    Disposal disposal; ///< after what the editors' threads use
     QSettings settings;
     SystemFlowClock clock;
     SessionPermissions permissions;

@@ -18,6 +18,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
@@ -29,6 +30,33 @@ namespace {
 
 constexpr int screenWidth = 1600, screenHeight = 900;
 
+/// How many times longer this computer takes than the one on which the limit below was set, where that is
+/// longer: by the best of a few runs of the same piece of work.
+double slowness() {
+    constexpr double usual = 2.75; // milliseconds
+    double best = 1e9;
+    for (int run = 0; run < 5; ++run) {
+        std::vector<unsigned> numbers(60'000);
+        unsigned value = 1;
+        for (unsigned& each : numbers)
+            each = value = value * 1664525 + 1013904223;
+        const std::clock_t before = std::clock();
+        std::sort(numbers.begin(), numbers.end());
+        best = std::min(best, 1000.0 * static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC);
+        EXPECT_LE(numbers.front(), numbers.back());
+    }
+    return std::max(1.0, best / usual);
+}
+
+/// Milliseconds of work on one event. Code that checks itself takes its time.
+double longestWork() {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    return 2000;
+#else
+    return 50 * slowness();
+#endif
+}
+
 class Windows : public testing::Test {
 protected:
     void SetUp() override {
@@ -36,13 +64,17 @@ protected:
         session = std::make_unique<XSession>(screenWidth, screenHeight);
     }
 
-    /// What held up the main thread is told, not judged: the machine is shared.
+    /// No event keeps the main thread busy for long. Only its own work is judged: how long the X server and
+    /// the disk let it wait is the shared machine's doing, and told.
     void TearDown() override {
         if (!program || !program->running()) return;
         program->shown();
-        for (const QJsonValue& stall : program->stalls())
-            std::printf("held up: %s\n",
-                        QJsonDocument(stall.toObject()).toJson(QJsonDocument::Compact).constData());
+        const double allowed = longestWork();
+        for (const QJsonValue& stall : program->stalls()) {
+            const QByteArray words = QJsonDocument(stall.toObject()).toJson(QJsonDocument::Compact);
+            std::printf("held up: %s\n", words.constData());
+            EXPECT_LE(stall.toObject()[QStringLiteral("cpuMs")].toDouble(), allowed) << words.constData();
+        }
     }
 
     void start(std::map<std::string, std::string> environment = {}) {
@@ -438,6 +470,16 @@ TEST_F(Walk, WhatTheMouseDidIsInTheFilm) {
     ASSERT_TRUE(program->click(program->named(QStringLiteral("24")))) << program->complaint();
     ASSERT_TRUE(program->click(program->object(QStringLiteral("exportNow")))) << program->complaint();
     checkTheFilm(0xF97316);
+
+    // Back, and in again.
+    program->key({Keys::escape});
+    ASSERT_TRUE(program->gone([](const Program::Item& item) { return item.role == QLatin1String("Dialog"); }))
+        << "the sheet stays";
+    ASSERT_TRUE(program->click(program->object(QStringLiteral("back")))) << program->complaint();
+    const auto isCard = [](const Program::Item& item) { return item.type == QLatin1String("RecordingCard"); };
+    ASSERT_TRUE(program->click(program->find(QStringLiteral("the recording"), isCard)))
+        << program->complaint();
+    EXPECT_TRUE(program->object(QStringLiteral("zoomLane"))) << program->complaint();
 }
 
 TEST_F(Walk, TheKeyboardAloneMakesAFilm) {
