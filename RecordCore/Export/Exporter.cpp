@@ -107,7 +107,7 @@ ExportStats run(const MediaBackend& media, const std::filesystem::path& source, 
     const Scene scene(plan, options.project, options.log, options.fps);
     const std::int64_t frameCount = scene.frameCount();
     const int keyInterval = static_cast<int>(2 * options.fps);
-    const Shares shares =
+    Shares shares =
         sharesFor(sharing.workers, filmRanges(frameCount, keyInterval, sharing.keysPerRange).size());
 
     const auto open = [&](int threads) {
@@ -139,6 +139,10 @@ ExportStats run(const MediaBackend& media, const std::filesystem::path& source, 
     FilmEncoders encoders(media, video, sharing.keysPerRange,
                           [&](std::size_t range, const Packet& packet) { packets->put(range, packet); });
     packets.emplace(encoders.ranges().size());
+    if (shares.workers > 1 && encoders.ranges().size() == 1) { // it takes one encoder: all threads are for it
+        shares = {};
+        first = open(shares.threads);
+    }
     const int videoTrack = movie->addTrack(encoders.description());
 
     int soundTrack = -1;
@@ -162,10 +166,10 @@ ExportStats run(const MediaBackend& media, const std::filesystem::path& source, 
     {
         std::optional<SoundPump> soundPump;
         if (sound) soundPump.emplace(*sound, *soundEncoder);
-        RangeWorkers workers(
-            {scene, compositor, encoders, *packets, options.fps, keyInterval,
-             [&] { return open(shares.threads); }, keyTimes(stored), shares.threads, hooks.cancel},
-            std::min(shares.workers, static_cast<int>(encoders.ranges().size())), std::move(first));
+        RangeWorkers workers({scene, compositor, encoders, *packets, options.fps, keyInterval,
+                              [&] { return open(shares.threads); }, keyTimes(stored), shares.threads,
+                              hooks.cancel},
+                             shares.workers, std::move(first));
         writePicture(*movie, videoTrack, video.timeBase, *packets, workers, soundPump ? &*soundPump : nullptr,
                      report);
         if (soundPump) soundPump->finish();

@@ -264,4 +264,13 @@ TEST_F(LongFilms, AreTheSameWithAnyNumberOfWorkers) {
     EXPECT_FALSE(contents() == expected);
 }
 
+TEST_F(LongFilms, InHardwareAreMadeInOneGo) {
+    machine.hasHardware = true;
+    options.hardware = true;
+    sharing = {3, 1};
+    EXPECT_TRUE(film().hardware);
+    ASSERT_EQ(machine.asked.size(), 1U);
+    EXPECT_FALSE(machine.asked[0].part);
+}
+
 } // namespace
