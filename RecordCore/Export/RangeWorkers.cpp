@@ -52,10 +52,10 @@ void RangeWorkers::check() {
 void RangeWorkers::work(std::optional<Sources> sources) {
     try {
         const std::size_t count = film.encoders.ranges().size();
-        std::size_t before = count;
-        for (std::size_t range = nextRange++; range < count; before = range, range = nextRange++) {
+        double reached = 0;
+        for (std::size_t range = nextRange++; range < count; range = nextRange++) {
             if (!sources) sources.emplace(film.open());
-            make(range, *sources, range == 0 || range == before + 1);
+            reached = make(range, *sources, reached);
         }
     } catch (...) {
         // The first failure counts; what it brings about in others is nobody's business.
@@ -74,21 +74,24 @@ void RangeWorkers::throwWhenStopped() const {
 }
 
 /// Decodes up to a time in small steps: a jump into the middle of what is between two key frames takes longer
-/// than whoever cancels should wait.
-void RangeWorkers::approach(double seconds, FrameCursor& screen) {
+/// than whoever cancels should wait. The screen has been read up to `reached`.
+void RangeWorkers::approach(double seconds, double reached, FrameCursor& screen) {
     constexpr double step = 0.1;
     const auto after = std::upper_bound(film.keyTimes.begin(), film.keyTimes.end(), seconds);
     if (after == film.keyTimes.begin()) return;
-    for (double time = *(after - 1); time < seconds; time += step) {
+    for (double time = std::max(*(after - 1), reached); time < seconds; time += step) {
         throwWhenStopped();
         screen.at(time);
     }
 }
 
-void RangeWorkers::make(std::size_t range, Sources& sources, bool goesOn) {
+/// Returns up to where the screen has been read then, in seconds of the recording.
+double RangeWorkers::make(std::size_t range, Sources& sources, double reached) {
     const FilmRange frames = film.encoders.ranges()[range];
-    if (!goesOn)
-        approach(film.scene.times().sourceTime(static_cast<double>(frames.begin) / film.fps), sources.screen);
+    const auto sourceTime = [&](std::int64_t frame) {
+        return film.scene.times().sourceTime(static_cast<double>(frame) / film.fps);
+    };
+    approach(sourceTime(frames.begin), reached, sources.screen);
     const std::unique_ptr<VideoEncoder> encoder = film.encoders.make(range);
     // A new one, also where the range before was made here: what is redrawn must not depend on that.
     Canvas canvas(film.compositor, film.canvasThreads);
@@ -112,6 +115,7 @@ void RangeWorkers::make(std::size_t range, Sources& sources, bool goesOn) {
     encoder->finish(frames.end);
     ledger.enter(range, encoder->tally());
     film.packets.close(range);
+    return sourceTime(frames.end - 1);
 }
 
 } // namespace RecordCore

@@ -58,8 +58,8 @@ public:
 
 private:
     void work(std::optional<Sources> sources);
-    void make(std::size_t range, Sources& sources, bool goesOn);
-    void approach(double seconds, FrameCursor& screen);
+    double make(std::size_t range, Sources& sources, double reached);
+    void approach(double seconds, double reached, FrameCursor& screen);
     void throwWhenStopped() const;
     void stop();
 
