@@ -104,6 +104,12 @@ ExportStats run(const MediaBackend& media, const std::filesystem::path& source, 
                 const Sharing& sharing) {
     const auto started = std::chrono::steady_clock::now();
     requireFilm(plan, options.fps);
+
+    // Whoever cancels waits for no more than one of the steps in which an export is set up.
+    const auto check = [&] {
+        if (hooks.cancel && *hooks.cancel) throw RecordingError("cancelled");
+    };
+    check();
     const Scene scene(plan, options.project, options.log, options.fps);
     const std::int64_t frameCount = scene.frameCount();
     const int keyInterval = static_cast<int>(2 * options.fps);
@@ -121,7 +127,8 @@ ExportStats run(const MediaBackend& media, const std::filesystem::path& source, 
     const std::vector<VideoReader::Stored> stored = first.screen.stored();
     const auto compositor = std::make_shared<const Compositor>(
         compositorSettings(plan, options.project, first.screen.info(), options.scale, options.watermark,
-                           first.camera.has_value(), source.parent_path()));
+                           first.camera.has_value(), source.parent_path()),
+        check);
 
     const std::unique_ptr<MovieWriter> movie = media.createMovie(destination, MovieLayout::film);
 
@@ -135,6 +142,7 @@ ExportStats run(const MediaBackend& media, const std::filesystem::path& source, 
     video.keyInterval = keyInterval;
     video.forecast = costForecast(scene, options.fps, stored, keyInterval);
     video.hardware = options.hardware;
+    check();
     std::optional<PacketQueue> packets;
     FilmEncoders encoders(media, video, sharing.keysPerRange,
                           [&](std::size_t range, const Packet& packet) { packets->put(range, packet); });
@@ -145,6 +153,7 @@ ExportStats run(const MediaBackend& media, const std::filesystem::path& source, 
     }
     const int videoTrack = movie->addTrack(encoders.description());
 
+    check();
     int soundTrack = -1;
     std::optional<RetimedSound> sound;
     std::unique_ptr<SoundEncoder> soundEncoder;

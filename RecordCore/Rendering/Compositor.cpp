@@ -94,13 +94,13 @@ RgbPlanes gradient(const Backdrop& backdrop, const Placement& place) {
 
 } // namespace
 
-Compositor::Compositor(CompositorSettings settings) :
+Compositor::Compositor(CompositorSettings settings, const std::function<void()>& check) :
     given(std::move(settings)), place(Placement::make(given.format, given.sourceAspect, given.look.padding,
                                                       given.look.radius, given.cards.header, given.scale)) {
     const PixelRect area = evenAround(place.window.rect, place.width, place.height);
     mask = AlphaMask(place.window.mask(area.x0, area.y0, area.x1 - area.x0, area.y1 - area.y0), area.x0,
                      area.y0, area);
-    prepareBackdrop();
+    prepareBackdrop(check ? check : [] {});
     const double scale = place.scale;
     if (!given.cards.title.empty())
         title = Glyphs::textBlock(given.cards.title, given.cards.subtitle, 0.8 * place.window.rect.width,
@@ -111,7 +111,7 @@ Compositor::Compositor(CompositorSettings settings) :
     if (given.watermark) prepareWatermark();
 }
 
-void Compositor::prepareBackdrop() {
+void Compositor::prepareBackdrop(const std::function<void()>& check) {
     const Look& look = given.look;
     const double scale = place.scale;
     const int width = place.width;
@@ -121,6 +121,7 @@ void Compositor::prepareBackdrop() {
     bool isImage = false;
     if (look.wallpaper)
         if (const auto image = WallpaperFile::load(*look.wallpaper, width, height)) {
+            check();
             planes = RgbPlanes::covering(*image, width, height);
             isImage = true;
         }
@@ -130,17 +131,18 @@ void Compositor::prepareBackdrop() {
         isSolid = true;
     }
     if (!isImage && !isSolid && look.wallpaperPreset) {
-        if (const auto kept = Wallpapers::kept(*look.wallpaperPreset, width, height)) {
+        if (const auto kept = Wallpapers::kept(*look.wallpaperPreset, width, height, check)) {
             planes = *kept;
             isImage = true;
-        } else if (auto drawn = Wallpapers::draw(*look.wallpaperPreset, width, height)) {
+        } else if (auto drawn = Wallpapers::draw(*look.wallpaperPreset, width, height, check)) {
             planes = std::move(*drawn);
             isImage = true;
         }
     }
     if (!isImage && !isSolid) planes = gradient(look.backdrop, place);
 
-    if (look.blur > 0.5 && !isSolid) planes.blur(scale * look.blur);
+    check();
+    if (look.blur > 0.5 && !isSolid) planes.blur(scale * look.blur, check);
 
     // Judged from what is really drawn: a file that is missing counts for nothing.
     Look drawn = look;
@@ -156,7 +158,9 @@ void Compositor::prepareBackdrop() {
         // Room around the canvas for what lies outside of it: nothing does, so nothing may be repeated there.
         const int margin = static_cast<int>(std::ceil(4 * sigma));
         FloatPlane shadow = cast.mask(-margin, -margin, width + 2 * margin, height + 2 * margin);
+        check();
         shadow.blur(sigma);
+        check();
         planes.lay({0, 0, 0}, alpha, shadow, -margin, -margin);
     }
 
@@ -174,6 +178,7 @@ void Compositor::prepareBackdrop() {
         planes.lay(text, static_cast<int>(std::lround((width - text.width) / 2.0)),
                    static_cast<int>(std::lround((place.band - text.height) / 2.0 - lift)));
     }
+    check();
     ground = planes.picture();
 }
 

@@ -11,6 +11,7 @@
 #include "RecordCore/Rendering/Placement.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -42,7 +43,9 @@ struct CompositorSettings {
 /// file) is left out, absurd numbers are limited.
 class Compositor {
 public:
-    explicit Compositor(CompositorSettings settings);
+    /// `check` is called every few hundredths of a second while it is being made; what it throws goes
+    /// through.
+    explicit Compositor(CompositorSettings settings, const std::function<void()>& check = {});
     Compositor(const Compositor&) = delete;
     Compositor& operator=(const Compositor&) = delete;
 
@@ -86,7 +89,7 @@ public:
     std::size_t cachedTexts() const;
 
 private:
-    void prepareBackdrop();
+    void prepareBackdrop(const std::function<void()>& check);
     void prepareBubble();
     void prepareWatermark();
     template <typename Draw>

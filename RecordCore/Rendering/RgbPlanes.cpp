@@ -97,10 +97,11 @@ RgbPlanes RgbPlanes::covering(const RgbImage& image, int width, int height) {
     return planes;
 }
 
-void RgbPlanes::blur(double sigma) {
-    red.blur(sigma);
-    green.blur(sigma);
-    blue.blur(sigma);
+void RgbPlanes::blur(double sigma, const std::function<void()>& check) {
+    for (FloatPlane* plane : {&red, &green, &blue}) {
+        plane->blur(sigma);
+        if (check) check();
+    }
 }
 
 void RgbPlanes::lay(const Rgb& color, double alpha, const FloatPlane& mask, int left, int top) {

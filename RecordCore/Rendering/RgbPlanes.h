@@ -6,6 +6,8 @@
 #include "RecordCore/Rendering/Picture.h"
 #include "RecordCore/Rendering/RgbImage.h"
 
+#include <functional>
+
 namespace RecordCore {
 
 /// An opaque picture in preparation: gamma-encoded R, G, B in floating point, 0…1.
@@ -23,7 +25,8 @@ struct RgbPlanes {
     /// An image scaled to cover the size, centred.
     static RgbPlanes covering(const RgbImage& image, int width, int height);
 
-    void blur(double sigma);
+    /// `check` is called between the planes; what it throws goes through.
+    void blur(double sigma, const std::function<void()>& check = {});
     /// Mixes in one colour: alpha × mask, where mask sample (0, 0) stands at (left, top).
     void lay(const Rgb& color, double alpha, const FloatPlane& mask, int left, int top);
     void lay(const Bitmap& drawing, int left, int top);

@@ -114,13 +114,16 @@ bool Wallpapers::exists(std::string_view name) {
     return recipe(name) != nullptr;
 }
 
-std::optional<RgbPlanes> Wallpapers::draw(std::string_view name, int width, int height) {
+std::optional<RgbPlanes> Wallpapers::draw(std::string_view name, int width, int height,
+                                          const std::function<void()>& check) {
     const Recipe* found = recipe(name);
     if (!found || width < 1 || height < 1) return std::nullopt;
     const Stage stage = Stage::of(width, height);
     const auto shader = found->make(stage, found->style);
     RgbPlanes planes(width, height);
+    constexpr int rowsPerCheck = 128;
     for (int y = 0; y < height; ++y) {
+        if (check && y % rowsPerCheck == 0) check();
         ShadeRow row;
         row.width = width;
         row.stepU = static_cast<float>(stage.pixel);
@@ -137,7 +140,8 @@ std::optional<RgbPlanes> Wallpapers::draw(std::string_view name, int width, int 
     return planes;
 }
 
-std::shared_ptr<const RgbPlanes> Wallpapers::kept(std::string_view name, int width, int height) {
+std::shared_ptr<const RgbPlanes> Wallpapers::kept(std::string_view name, int width, int height,
+                                                  const std::function<void()>& check) {
     struct Drawn {
         std::string_view name; ///< the table's
         std::shared_ptr<const RgbPlanes> planes;
@@ -156,7 +160,7 @@ std::shared_ptr<const RgbPlanes> Wallpapers::kept(std::string_view name, int wid
         if (draws(last[0])) return last[0].planes;
     }
     // Drawn without the lock: two threads that miss together draw the same picture twice, which does no harm.
-    auto drawn = draw(name, width, height);
+    auto drawn = draw(name, width, height, check);
     if (!drawn) return nullptr;
     auto planes = std::make_shared<const RgbPlanes>(std::move(*drawn));
     const std::scoped_lock lock(mutex);

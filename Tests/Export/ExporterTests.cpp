@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <fstream>
 #include <iterator>
@@ -73,11 +74,13 @@ class Machine final : public RealMedia {
 public:
     bool hasHardware = false;
     std::function<void()> onFrame = [] {}; ///< called by several threads
+    std::function<void()> onOpen = [] {};
     std::function<void(double)> onRead = [](double) {};
     mutable std::mutex mutex;
     mutable std::vector<VideoSettings> asked;
 
     std::unique_ptr<VideoReader> openVideo(const std::filesystem::path& file, int threads) const override {
+        onOpen();
         return std::make_unique<WatchedReader>(RealMedia::openVideo(file, threads), onRead);
     }
     std::unique_ptr<VideoEncoder> makeVideoEncoder(const VideoSettings& settings,
@@ -200,6 +203,32 @@ TEST_F(LongFilms, StopSoonAfterBeingTold) {
         EXPECT_FALSE(std::filesystem::exists(file));
         EXPECT_EQ(files(), before);
     }
+}
+
+TEST_F(Films, AreGivenUpWhileTheyAreSetUp) {
+    std::atomic<bool> cancel{false};
+    Exporter::Hooks hooks;
+    hooks.cancel = &cancel;
+    machine.onOpen = [&] { cancel = true; };
+    try {
+        film(hooks);
+        ADD_FAILURE() << "the film was made";
+    } catch (const RecordingError& error) {
+        EXPECT_STREQ(error.what(), "cancelled");
+    }
+    EXPECT_TRUE(machine.asked.empty()) << "no encoder was opened any more";
+    EXPECT_FALSE(std::filesystem::exists(file));
+}
+
+TEST_F(Films, TellHowMuchIsDone) {
+    std::vector<double> shares;
+    Exporter::Hooks hooks;
+    hooks.progress = [&](double share) { shares.push_back(share); };
+    EXPECT_EQ(film(hooks).frames, 240);
+    ASSERT_FALSE(shares.empty());
+    EXPECT_GT(shares.front(), 0);
+    EXPECT_TRUE(std::is_sorted(shares.begin(), shares.end()));
+    EXPECT_EQ(shares.back(), 1);
 }
 
 TEST_F(LongFilms, FailWithWhatWentWrong) {

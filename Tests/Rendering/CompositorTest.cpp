@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cmath>
 #include <fstream>
+#include <stdexcept>
 #include <thread>
 
 using namespace RecordCore;
@@ -161,6 +162,27 @@ TEST_F(CompositorTest, takesTheFirstBackdropThatApplies) {
     EXPECT_TRUE(third.brightBackdrop());
     settings.look.wallpaper.reset();
     EXPECT_TRUE(Compositor(settings).backdrop() == third.backdrop());
+}
+
+TEST_F(CompositorTest, canBeGivenUpWhileItIsMade) {
+    CompositorSettings settings;
+    settings.look.blur = 20;
+    settings.look.shadow = 0.5;
+    for (const bool wallpaper : {false, true}) {
+        if (wallpaper) settings.look.wallpaperPreset = "orbit";
+        int checks = 0;
+        const Compositor whole(settings, [&] { ++checks; });
+        EXPECT_GE(checks, wallpaper ? 15 : 7) << "it takes a tenth of a second";
+        EXPECT_TRUE(whole.backdrop() == Compositor(settings).backdrop());
+        for (int last = 1; last <= checks; ++last) {
+            int done = 0;
+            const auto giveUp = [&] {
+                if (++done == last) throw std::runtime_error("given up");
+            };
+            EXPECT_THROW(Compositor(settings, giveUp), std::runtime_error);
+            EXPECT_EQ(done, last) << "nothing is done after that";
+        }
+    }
 }
 
 TEST_F(CompositorTest, writesTheHeaderInAnInkThatShows) {
