@@ -7,6 +7,7 @@
 #include "RecordCore/Export/RetimedSound.h"
 #include "RecordCore/Export/SoundPump.h"
 #include "RecordCore/Export/Timeline.h"
+#include "RecordCore/Export/WorkForecast.h"
 #include "RecordCore/Model/Processors.h"
 #include "RecordCore/Model/RecordingError.h"
 #include "RecordCore/Planning/CaptionLayout.h"
@@ -60,8 +61,7 @@ std::vector<double> keyTimes(const std::vector<VideoReader::Stored>& stored) {
 
 /// Writes the picture's packets until all are there, in step with the sound.
 void writePicture(MovieWriter& movie, int track, const TimeBase& timeBase, PacketQueue& packets,
-                  RangeWorkers& workers, SoundPump* sound,
-                  const std::function<void(std::int64_t)>& progress) {
+                  RangeWorkers& workers, SoundPump* sound, const std::function<void()>& progress) {
     constexpr std::chrono::milliseconds pause{25}; // until it is looked whether to go on
     while (!packets.ended()) {
         for (const PacketQueue::Stored& packet : packets.take(pause)) {
@@ -72,7 +72,7 @@ void writePicture(MovieWriter& movie, int track, const TimeBase& timeBase, Packe
             movie.write(track, packet.packet());
         }
         workers.check();
-        progress(workers.framesDone());
+        progress();
     }
 }
 
@@ -165,20 +165,21 @@ ExportStats run(const MediaBackend& media, const std::filesystem::path& source, 
     }
     movie->begin();
 
-    std::int64_t reported = 0;
-    const auto report = [&](std::int64_t frames) {
-        if (!hooks.progress || frames - reported < framesPerReport) return;
-        reported = frames;
-        hooks.progress(static_cast<double>(frames) / static_cast<double>(frameCount));
-    };
+    const WorkForecast work(scene, options.fps, stored);
     ExportStats stats;
     {
         std::optional<SoundPump> soundPump;
         if (sound) soundPump.emplace(*sound, *soundEncoder);
-        RangeWorkers workers({scene, compositor, encoders, *packets, options.fps, keyInterval,
+        RangeWorkers workers({scene, work, compositor, encoders, *packets, options.fps, keyInterval,
                               [&] { return open(shares.threads); }, keyTimes(stored), shares.threads,
                               hooks.cancel},
                              shares.workers, std::move(first));
+        std::int64_t reported = 0;
+        const auto report = [&] {
+            if (!hooks.progress || workers.framesDone() - reported < framesPerReport) return;
+            reported = workers.framesDone();
+            hooks.progress(workers.shareDone());
+        };
         writePicture(*movie, videoTrack, video.timeBase, *packets, workers, soundPump ? &*soundPump : nullptr,
                      report);
         if (soundPump) soundPump->finish();

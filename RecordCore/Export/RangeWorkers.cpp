@@ -110,6 +110,7 @@ double RangeWorkers::make(std::size_t range, Sources& sources, double reached) {
         more = renderer.appendNext();
         if (renderer.error()) throw *renderer.error();
         repeated += renderer.framesRepeated() - repeatedBefore;
+        workDone += film.work.of(renderer.next() - 1);
         ++done;
     }
     encoder->finish(frames.end);

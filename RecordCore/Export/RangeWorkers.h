@@ -4,8 +4,10 @@
 #include "RecordCore/Export/FrameRenderer.h"
 #include "RecordCore/Export/PacketQueue.h"
 #include "RecordCore/Export/RateLedger.h"
+#include "RecordCore/Export/WorkForecast.h"
 #include "RecordCore/Rendering/Compositor.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <exception>
@@ -31,6 +33,7 @@ public:
     /// What all share; it outlives the workers.
     struct Film {
         const Scene& scene;
+        const WorkForecast& work;
         std::shared_ptr<const Compositor> compositor;
         FilmEncoders& encoders;
         PacketQueue& packets; ///< the encoders' packets arrive there
@@ -50,6 +53,8 @@ public:
     RangeWorkers& operator=(const RangeWorkers&) = delete;
 
     std::int64_t framesDone() const { return done; }
+    /// The share of the work that is done, 0…1.
+    double shareDone() const { return std::min(workDone / film.work.total(), 1.0); }
     /// Of these, frames that equalled the one before and cost (next to) nothing.
     std::int64_t framesRepeated() const { return repeated; }
 
@@ -67,6 +72,7 @@ private:
     RateLedger ledger;
     std::atomic<std::size_t> nextRange{0};
     std::atomic<std::int64_t> done{0};
+    std::atomic<double> workDone{0};
     std::atomic<std::int64_t> repeated{0};
     std::atomic<bool> stopped{false};
 

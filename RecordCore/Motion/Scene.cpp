@@ -82,6 +82,16 @@ FrameState Scene::state(double seconds, const NRect& view) const {
     return state;
 }
 
+bool Scene::pointerRests(double from, double to) const {
+    if (!pointer) return true;
+    constexpr double nearly = 2e-5; // far less than a pixel
+    constexpr double fade = 1.0 / 512;
+    const FrameState::Pointer a = pointer->state(from);
+    const FrameState::Pointer b = pointer->state(to);
+    return std::abs(a.x - b.x) < nearly && std::abs(a.y - b.y) < nearly &&
+           std::abs(a.opacity - b.opacity) < fade;
+}
+
 std::optional<FrameState::Pill> Scene::pill(double source) const {
     const SpeedSegment* segment = map.segmentAt(source);
     if (!segment || segment->isCut() || segment->speed <= 1) return std::nullopt;

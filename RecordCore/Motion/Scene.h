@@ -30,6 +30,9 @@ public:
     /// Its view alone.
     NRect drawnView(double seconds) const { return settled.view(camera, seconds); }
 
+    /// Whether the pointer looks the same at both times (ripples count for nothing).
+    bool pointerRests(double from, double to) const;
+
     const TimeMap& times() const { return map; }
     double outputDuration() const { return map.outputDuration(); }
 
