@@ -8,17 +8,19 @@
 #include <fmt/format.h>
 
 #include <cstdio>
+#include <utility>
 
 namespace OmbrelRecord::Commands {
 
 using namespace RecordCore;
 
 void run(const Export& options, const MediaBackend& media) {
-    const LoadedRecording recording = loadForCommand(options.folder, options.format, media);
+    LoadedRecording recording = loadForCommand(options.folder, options.format, media);
+    const RecordCore::Plan plan = recording.plan();
 
     ExportOptions exportOptions;
     exportOptions.project = recording.project;
-    exportOptions.log = recording.log;
+    exportOptions.log = std::move(recording.log); // an hour of it is megabytes
     exportOptions.fps = options.fps;
     exportOptions.scale = options.scale;
     exportOptions.bitrate = options.bitrate;
@@ -33,8 +35,7 @@ void run(const Export& options, const MediaBackend& media) {
         Exporter::Hooks hooks;
         hooks.progress = [&](double share) { bar.update(share); };
         hooks.cancel = &interrupt.requested();
-        stats = Exporter::run(media, recording.files.video(), recording.plan(), exportOptions, options.output,
-                              hooks);
+        stats = Exporter::run(media, recording.files.video(), plan, exportOptions, options.output, hooks);
     }
     if (options.json) {
         const Json object{{"file", options.output.string()},
