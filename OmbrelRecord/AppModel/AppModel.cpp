@@ -32,6 +32,15 @@ AppModel::AppModel(AppParts given, QObject* parent) :
         Q_EMIT cameraPictureChanged();
     };
     if (parts.hotKey) parts.hotKey->onPressed = [this] { hotKeyPressed(); };
+
+    withSystemAudio = remembered(Settings::systemAudio);
+    withMicrophone = remembered(Settings::microphone);
+    withCamera = remembered(Settings::camera);
+    if (parts.settings) {
+        chosenCamera = parts.settings->value(text(Settings::cameraID)).toString();
+        const QString microphone = parts.settings->value(text(Settings::microphoneID)).toString();
+        if (!microphone.isEmpty()) mics.select(microphone.toStdString());
+    }
 }
 
 AppModel::~AppModel() {
@@ -43,28 +52,31 @@ AppModel::~AppModel() {
 }
 
 void AppModel::begin() {
-    screenAccess = parts.sources->accessGranted();
-    keysSeen = parts.sources->seesKeys();
-    withSystemAudio = remembered(Settings::systemAudio);
-    if (parts.settings) {
-        chosenCamera = parts.settings->value(text(Settings::cameraID)).toString();
-        const QString microphone = parts.settings->value(text(Settings::microphoneID)).toString();
-        if (!microphone.isEmpty()) mics.select(microphone.toStdString());
-    }
-    Q_EMIT hasScreenAccessChanged();
-    Q_EMIT seesKeysChanged();
-    Q_EMIT systemAudioChanged();
-    refreshDisplays();
-    refreshMicrophones();
-    refreshCameras();
     refreshRecents();
-    if (remembered(Settings::microphone)) toggleMicrophone();
-    if (remembered(Settings::camera)) toggleCamera();
-    if (parts.hotKey) {
-        hotKeyTrouble = text(parts.hotKey->grab());
-        if (!hotKeyTrouble.isEmpty()) setProblem(hotKeyTrouble.toStdString());
-        Q_EMIT hotKeyProblemChanged();
-    }
+    // Devices are looked up when they are to be used. What was used the last time is turned on anew, for
+    // which the system may have to be asked.
+    if (std::exchange(withMicrophone, false)) toggleMicrophone();
+    if (std::exchange(withCamera, false)) toggleCamera();
+    const auto look = [this] {
+        parts.sources->askAllowed(whileAlive(this, [this](bool access, bool keys) {
+            screenAccess = access;
+            keysSeen = keys;
+            Q_EMIT hasScreenAccessChanged();
+            Q_EMIT seesKeysChanged();
+        }));
+        refreshDisplays();
+        startLivePreview();
+    };
+    // The hot key first: whoever sees the displays may press it.
+    if (parts.hotKey)
+        parts.hotKey->grab(whileAlive(this, [this, look](const std::string& trouble) {
+            hotKeyTrouble = text(trouble);
+            if (!trouble.empty()) setProblem(trouble);
+            Q_EMIT hotKeyProblemChanged();
+            look();
+        }));
+    else
+        look();
     auto found = std::make_shared<std::vector<Recording>>();
     aside([library = parts.library, found] { *found = library.unfinished(); },
           [this, found] {
@@ -72,7 +84,6 @@ void AppModel::begin() {
                   unfinished.push_back(recording.folder);
               recoverNext();
           });
-    startLivePreview();
 }
 
 // What the main window shows.

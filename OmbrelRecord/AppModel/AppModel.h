@@ -6,6 +6,7 @@
 
 #include <QtCore/QObject>
 #include <QtCore/QRect>
+#include <QtCore/QSize>
 #include <QtCore/QString>
 #include <QtCore/QVariant>
 #include <QtGui/QImage>
@@ -43,6 +44,8 @@ class AppModel : public QObject {
 
     // The source.
     Q_PROPERTY(bool hasScreenAccess READ hasScreenAccess NOTIFY hasScreenAccessChanged)
+    /// Whether displays and windows have been looked up; until then there are none here.
+    Q_PROPERTY(bool sourcesListed READ sourcesListed NOTIFY sourcesChanged)
     /// [{id, name, main, x, y, width, height}], in desktop pixels.
     Q_PROPERTY(QVariantList displays READ displayList NOTIFY sourcesChanged)
     Q_PROPERTY(quint32 displayID READ displayID NOTIFY sourcesChanged)
@@ -51,6 +54,8 @@ class AppModel : public QObject {
     /// 0: none, the whole display is recorded.
     Q_PROPERTY(quint32 windowID READ windowID NOTIFY sourcesChanged)
     Q_PROPERTY(QString targetName READ targetName NOTIFY sourcesChanged)
+    /// The pixels that the live preview is shown in; it is no larger.
+    Q_PROPERTY(QSize previewSize MEMBER previewSize)
     /// Null as long as there is none. In `image` it is "preview".
     Q_PROPERTY(QImage livePreview READ livePreview NOTIFY livePreviewChanged)
     Q_PROPERTY(int livePreviewRevision READ livePreviewRevision NOTIFY livePreviewChanged)
@@ -121,8 +126,9 @@ public:
     explicit AppModel(AppParts parts, QObject* parent = nullptr);
     ~AppModel() override;
 
-    /// Called once, when the application has started: lists what there is, restores the choices, takes the
-    /// hot key, and looks for recordings that were cut off.
+    /// Called once, when the application has started: lists what there is, takes the hot key, and looks for
+    /// recordings that were cut off. The choices of the last time are restored before, with the object; what
+    /// the system allows is taken for granted until then, so that a view does not change for nothing.
     Q_INVOKABLE void begin();
 
     Flow flow() const { return state; }
@@ -142,6 +148,7 @@ public:
     // The source.
 
     bool hasScreenAccess() const { return screenAccess; }
+    bool sourcesListed() const { return listed; }
     const std::vector<RecordCore::DisplayInfo>& displays() const { return content.displays; }
     quint32 displayID() const { return chosenDisplay; }
     const std::vector<RecordCore::WindowInfo>& windows() const { return recordable; }
@@ -315,12 +322,14 @@ private:
     QString currentProblem;
     QVariantMap currentQuestion;
 
-    bool screenAccess = false;
+    bool screenAccess = true;
+    bool listed = false;
     ShareableContent content;
     std::vector<RecordCore::WindowInfo> recordable;
     quint32 chosenDisplay = 0;
     quint32 chosenWindow = 0;
     std::optional<RecordCore::WindowInfo> target; ///< the chosen window, as it was last listed
+    QSize previewSize{1920, 1200};
     QImage preview;
     int previewRevision = 0;
     std::uint64_t previewRun = 0; ///< counts the runs of the live preview; what belongs to an older one ends
@@ -338,7 +347,7 @@ private:
     QString chosenCamera;
     int cameraCount = 0;
     QString cameraProblem;
-    bool keysSeen = false;
+    bool keysSeen = true;
 
     int count = 0;
     QRect countdownFrame;

@@ -90,6 +90,7 @@ void AppModel::resolved() {
     }
     countdownFrame = display ? rectangle(display->frame) : QRect();
     parts.windows->hide();
+    if (parts.warmUp) parts.warmUp();
     enter(Flow::counting);
     countFrom(countdownFrom);
 }

@@ -18,7 +18,6 @@ using namespace AppModelParts;
 namespace {
 
 constexpr double previewInterval = 1.2; ///< seconds
-constexpr QSize largestPreview(1920, 1200);
 constexpr QSize sourceStillSize(320, 200);
 const QString displayStill = QStringLiteral("display/");
 const QString windowStill = QStringLiteral("window/");
@@ -57,7 +56,8 @@ void AppModel::refreshDisplays() {
 }
 
 void AppModel::take(ShareableContent fresh) {
-    const bool changed = fresh.displays != content.displays;
+    const bool changed = fresh.displays != content.displays || !listed;
+    listed = true;
     content = std::move(fresh);
     if (!withId(content.displays, chosenDisplay))
         chosenDisplay = content.displays.empty() ? 0 : content.displays.front().id;
@@ -129,7 +129,7 @@ void AppModel::previewAgain(std::uint64_t wanted) {
         parts.clock->after(previewInterval, this, [this, wanted] { previewAgain(wanted); });
     };
     if (state != Flow::home || !screenAccess || content.displays.empty()) return later();
-    parts.sources->still(source(), largestPreview, whileAlive(this, [this, wanted, later](QImage still) {
+    parts.sources->still(source(), previewSize, whileAlive(this, [this, wanted, later](QImage still) {
                              if (wanted != previewRun) return;
                              if (state == Flow::home) {
                                  preview = std::move(still);

@@ -55,6 +55,10 @@ public:
 
     /// Whether key presses of other programs can be observed.
     virtual bool seesKeys() = 0;
+    /// `accessGranted` and `seesKeys` without waiting for the system's answer.
+    virtual void askAllowed(std::function<void(bool access, bool keys)> done) {
+        done(accessGranted(), seesKeys());
+    }
     /// Asks the user for that, where the system has a way to; returns at once.
     virtual void requestKeys() = 0;
 };
@@ -87,8 +91,8 @@ public:
     /// Starts camera, screen and input, in this order; nothing is left in the folder when it fails. Called
     /// once.
     virtual void start(std::function<void(Started)> done) = 0;
-    /// The user has ended it: what comes on the screen from now on is not in the film, although `stop` may take
-    /// its time to begin. After `start` succeeded.
+    /// The user has ended it: what comes on the screen from now on is not in the film, although `stop` may
+    /// take its time to begin. After `start` succeeded.
     virtual void hold() {}
     /// Ends all and writes the files. Called once, after `start` succeeded.
     virtual void stop(std::function<void(Stopped)> done) = 0;
@@ -149,8 +153,8 @@ public:
 class HotKey {
 public:
     virtual ~HotKey() = default;
-    /// Why it cannot be had, for the user; empty: it is ours.
-    virtual std::string grab() = 0;
+    /// Why it cannot be had, for the user; empty: it is ours. Called once.
+    virtual void grab(std::function<void(std::string problem)> done) = 0;
     /// It was pressed. Set before `grab`.
     std::function<void()> onPressed;
 };
@@ -190,6 +194,8 @@ struct AppParts {
     /// files: a disk may be slow. None: `work` runs at once, on the main thread.
     std::function<void(std::function<void()> work, std::function<void()> done)> aside;
 
+    /// A recording starts in a few seconds: what it needs may be loaded. May be none.
+    std::function<void()> warmUp;
     /// Makes a recording into a folder that is there.
     std::function<std::unique_ptr<RecordingRun>(const std::filesystem::path& folder,
                                                 const RecordingRun::Setup& setup)>

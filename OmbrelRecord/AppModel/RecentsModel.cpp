@@ -36,7 +36,9 @@ RecentsModel::RecentsModel(Thumbnails* thumbnails, QObject* parent) :
 }
 
 void RecentsModel::setRecordings(std::vector<Recording> recordings) {
-    if (recordings == listed) return; // a view that is being looked at does not start over for nothing
+    // A view that is being looked at does not start over for nothing.
+    if (recordings == listed && lookedUp) return;
+    lookedUp = true;
     beginResetModel();
     listed = std::move(recordings);
     endResetModel();

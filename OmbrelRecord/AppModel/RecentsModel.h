@@ -14,6 +14,8 @@ class Thumbnails;
 class RecentsModel : public QAbstractListModel {
     Q_OBJECT
     Q_PROPERTY(int count READ count NOTIFY countChanged)
+    /// Whether the recordings have been looked up; until then there are none here.
+    Q_PROPERTY(bool listed READ isListed NOTIFY countChanged)
 
 public:
     /// Names in views: name, folder, video, date, duration, still.
@@ -32,6 +34,7 @@ public:
 
     const std::vector<Recording>& recordings() const { return listed; }
     void setRecordings(std::vector<Recording> recordings);
+    bool isListed() const { return lookedUp; }
     int count() const { return static_cast<int>(listed.size()); }
 
     /// The still of the recording of that folder name; null when there is none.
@@ -47,6 +50,7 @@ Q_SIGNALS:
 private:
     Thumbnails* thumbnails;
     std::vector<Recording> listed;
+    bool lookedUp = false;
 };
 
 } // namespace OmbrelRecord

@@ -26,7 +26,7 @@ QImage firstPicture(ScreenStream& stream, QSize largest) {
     stream.start({[&](const ScreenFrame& frame) {
                       const std::lock_guard lock(mutex);
                       if (over) return;
-                      image = imageOf(frame.picture);
+                      image = imageOf(frame.picture, largest);
                       over = true;
                       arrived.notify_all();
                   },
@@ -41,8 +41,7 @@ QImage firstPicture(ScreenStream& stream, QSize largest) {
         over = true;
     }
     stream.stop();
-    if (image.width() <= largest.width() && image.height() <= largest.height()) return image;
-    return image.scaled(largest, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    return image;
 }
 
 } // namespace
@@ -91,6 +90,12 @@ void SessionSources::still(const ScreenSource& source, QSize largest, std::funct
             // A window that is gone has no picture.
         }
         to.post([done, image] { done(image); });
+    });
+}
+
+void SessionSources::askAllowed(std::function<void(bool, bool)> done) {
+    questions.post([this, to = mailbox.address(), done = std::move(done)] {
+        to.post([done, access = accessGranted(), keys = seesKeys()] { done(access, keys); });
     });
 }
 

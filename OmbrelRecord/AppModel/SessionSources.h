@@ -20,6 +20,7 @@ public:
     void still(const RecordCore::ScreenSource& source, QSize largest,
                std::function<void(QImage)> done) override;
     bool seesKeys() override;
+    void askAllowed(std::function<void(bool access, bool keys)> done) override;
     void requestKeys() override {} // X11 asks nobody
 
 private:

@@ -30,7 +30,7 @@ Thumbnails::Facts Thumbnails::make(const RecordCore::MediaBackend& media,
     Facts facts;
     facts.duration = frames.info().duration;
     if (const RecordCore::VideoFrame* frame = frames.at(std::min(usualMoment, facts.duration / 2)))
-        facts.still = imageOf(frame->picture).scaled(largest, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+        facts.still = imageOf(frame->picture, largest);
     return facts;
 }
 

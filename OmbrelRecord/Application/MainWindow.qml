@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Window
 import OmbrelRecord
 
 /// The one window of the application: home, waiting, or the editor.
@@ -65,14 +64,20 @@ Window {
         readonly property int screen: main.app.screen
         onScreenChanged: show()
         Component.onCompleted: show()
-        onLoaded: item.forceActiveFocus()
+        onLoaded: {
+            if (screen === 1) {
+                item.message = Qt.binding(() => main.app.workingMessage);
+                item.cancellable = Qt.binding(() => main.app.cancellable);
+            }
+            item.forceActiveFocus();
+        }
 
         function show() {
             if (screen === 2 && main.app.editor)
                 return editor.setSource("EditorView.qml", { editor: main.app.editor });
             editor.setSource("");
             if (screen === 1)
-                sourceComponent = working;
+                setSource("WorkingView.qml", { message: main.app.workingMessage });
             else
                 setSource("HomeView.qml", { app: main.app });
         }
@@ -87,32 +92,34 @@ Window {
             item.forceActiveFocus();
         }
     }
-    Component {
-        id: working
-        WorkingView {
-            message: main.app.workingMessage
-            cancellable: main.app.cancellable
-            onCancelled: main.app.cancelWorking()
-        }
-    }
     Connections {
         target: editor.item ?? content.item
         ignoreUnknownSignals: true
         function onBackRequested() { main.app.backHome(); }
         function onFileWanted() { files.ask(); }
+        function onCancelled() { main.app.cancelWorking(); }
     }
     Shortcut {
         sequences: [StandardKey.Quit]
         onActivated: main.close()
     }
 
-    FilePicker {
+    // Both are read and made when they are first needed.
+    Loader {
         id: files
-        title: qsTr("Open a movie")
-        filters: [qsTr("Movies (*.mp4 *.m4v *.mov *.mkv *.webm *.avi *.MP4 *.MOV)"), qsTr("All files (*)")]
-        onChosen: file => main.app.openVideo(decodeURIComponent(file.toString().replace(/^file:\/\//, "")))
+        function ask() {
+            active = true;
+            item.ask();
+        }
+        active: false
+        source: "MovieChooser.qml"
     }
-    // Made when it is first needed.
+    Connections {
+        target: files.item
+        function onChosen(file) {
+            main.app.openVideo(decodeURIComponent(file.toString().replace(/^file:\/\//, "")));
+        }
+    }
     Loader {
         id: leave
         property bool agreed: false
@@ -121,15 +128,13 @@ Window {
             item.open();
         }
         active: false
-        sourceComponent: Dialog {
-            title: qsTr("A film is being exported")
-            text: qsTr("Closing now stops the export. Your edits are kept; you can export again later.")
-            buttons: [{ text: qsTr("Stop and close"), kind: "danger" }, { text: qsTr("Keep exporting") }]
-            onAnswered: button => {
-                if (button !== 0) return;
-                leave.agreed = true;
-                main.close();
-            }
+        source: "LeaveQuestion.qml"
+    }
+    Connections {
+        target: leave.item
+        function onAgreed() {
+            leave.agreed = true;
+            main.close();
         }
     }
 }

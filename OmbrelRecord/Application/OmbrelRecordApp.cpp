@@ -10,6 +10,7 @@
 #include <QtCore/QFile>
 #include <QtCore/QLocale>
 #include <QtCore/QPointer>
+#include <QtCore/QTimer>
 #include <QtCore/QTranslator>
 #include <QtCore/QtPlugin>
 #include <QtGui/QGuiApplication>
@@ -28,6 +29,7 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
+#include <utility>
 
 Q_IMPORT_QML_PLUGIN(OmbrelRecordPlugin)
 
@@ -169,7 +171,6 @@ void OmbrelRecordApp::dress() {
     font.setPixelSize(13);
     font.setWeight(QFont::Medium);
     QGuiApplication::setFont(font);
-    QGuiApplication::setWindowIcon(IconSet::application());
     if (!qEnvironmentVariableIsSet("QT_QUICK_BACKEND") && !hasGraphics())
         QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
 }
@@ -252,6 +253,16 @@ bool OmbrelRecordApp::openMainWindow() {
     window->raise();
     window->requestActivate();
     return true;
+}
+
+void OmbrelRecordApp::whenShown(std::function<void()> work) {
+    const auto once = [todo = std::make_shared<std::function<void()>>(std::move(work))] {
+        if (const auto now = std::exchange(*todo, nullptr)) now();
+    };
+    // Queued: the frame may be another thread's.
+    connect(window, &QQuickWindow::frameSwapped, this, once,
+            static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
+    QTimer::singleShot(500, this, once);
 }
 
 void OmbrelRecordApp::quit() {

@@ -9,6 +9,7 @@
 #include <QtCore/QUrl>
 #include <QtQml/QQmlEngine>
 #include <QtQuick/QQuickWindow>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -47,6 +48,9 @@ public:
 
     /// Opens the main window, or shows the one there is. False when it cannot be made.
     bool openMainWindow();
+    /// Calls once the main window has drawn its first frame; half a second after this where it draws none, as
+    /// on a workspace that is not shown. After `openMainWindow`.
+    void whenShown(std::function<void()> work);
     /// The application was started again: its window comes to the front. While a recording runs whose panel
     /// had to hide, this is the way to end it that is always there.
     void startedAgain(const QString& file = {});

@@ -128,7 +128,7 @@ public:
 
 class StillKeys : public HotKey {
 public:
-    std::string grab() override { return trouble; }
+    void grab(std::function<void(std::string)> done) override { done(trouble); }
     std::string trouble;
 };
 

@@ -117,6 +117,7 @@ AppParts AppSession::appParts() {
             to.post(done);
         });
     };
+    parts.warmUp = [this] { files.post(loadMedia); };
     parts.makeRun = [this](const fs::path& folder, const RecordingRun::Setup& setup) {
         return std::make_unique<SessionRun>(devices, folder, setup, services.session(*mediaBackend, log));
     };

@@ -6,6 +6,7 @@
 #include "OmbrelRecord/Entry/AppSession.h"
 #include "OmbrelRecord/Entry/Entry.h"
 #include "OmbrelRecord/Entry/Jobs.h"
+#include "OmbrelRecord/Icons/IconSet.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QSysInfo>
@@ -14,10 +15,24 @@
 #include <csignal>
 #include <cstdio>
 #include <fmt/format.h>
+#include <malloc.h>
 #include <memory>
 #include <optional>
 
 namespace OmbrelRecord {
+
+namespace {
+
+/// Whether large pieces of memory are kept for the next use when they are freed, as suits whoever shows film
+/// after film, or given back to the system, as suits a window that waits.
+void keepFreedMemory(bool keep) {
+    // The bounds of mallopt(3): the allocator's own choice is to keep what it has once seen freed.
+    mallopt(M_MMAP_THRESHOLD, keep ? 32 << 20 : 256 << 10);
+    mallopt(M_TRIM_THRESHOLD, keep ? 64 << 20 : 128 << 10);
+    if (!keep) malloc_trim(0);
+}
+
+} // namespace
 
 int Entry::headless(int argc, char** argv, const std::function<void()>& job) {
     std::signal(SIGPIPE, SIG_IGN); // a connection that is cut is an error, not the end
@@ -39,6 +54,7 @@ int Jobs::application(int argc, char** argv, const std::filesystem::path& file) 
         return 1;
     }
     std::signal(SIGPIPE, SIG_IGN); // a connection that is cut is an error, not the end
+    keepFreedMemory(false);
     OmbrelRecordApp::prepare();
     const QString inspected = Inspection::wanted();
     const std::unique_ptr<QGuiApplication> application = inspected.isEmpty()
@@ -63,8 +79,14 @@ int Jobs::application(int argc, char** argv, const std::filesystem::path& file) 
     }
     std::optional<Inspection> inspection;
     if (!inspected.isEmpty()) inspection.emplace(inspected);
-    session.model().begin();
-    if (!wanted.isEmpty()) session.model().openPath(wanted);
+    // What the first frame can do without comes after it.
+    windows.whenShown([&session, &wanted] {
+        session.model().begin();
+        if (!wanted.isEmpty()) session.model().openPath(wanted);
+        QGuiApplication::setWindowIcon(IconSet::application());
+    });
+    QObject::connect(&session.model(), &AppModel::screenChanged, &windows,
+                     [&session] { keepFreedMemory(session.model().screen() != AppModel::Screen::home); });
     const int status = QCoreApplication::exec();
     Diag::flush();
     return status;

@@ -2,6 +2,7 @@
 
 #include "OmbrelRecord/Entry/Module.h"
 #include "OmbrelRecord/Entry/Modules/Modules.h"
+#include "RecordCore/Model/RecordingError.h"
 
 #include <utility>
 
@@ -56,6 +57,14 @@ private:
 
 std::shared_ptr<const MediaBackend> makeMediaBackend() {
     return std::make_shared<LaterMedia>();
+}
+
+void loadMedia() {
+    try {
+        module<Modules::Media>();
+    } catch (const RecordingError&) {
+        // Whoever needs it is told.
+    }
 }
 
 bool verifySignature(std::string_view bytes, std::string_view signature, std::string_view publicKey) {

@@ -11,6 +11,10 @@ namespace OmbrelRecord {
 /// libraries behind them meet. Loads nothing yet: that happens at the first call of what it returns.
 std::shared_ptr<const RecordCore::MediaBackend> makeMediaBackend();
 
+/// Loads what it needs, which takes a tenth of a second: for another thread, while there is time. Throws nothing;
+/// what is amiss is told when it is used.
+void loadMedia();
+
 /// `isSigned` of Updates/Signature.h. Throws RecordingError when its module cannot be had.
 bool verifySignature(std::string_view bytes, std::string_view signature, std::string_view publicKey);
 

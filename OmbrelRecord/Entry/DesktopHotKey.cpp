@@ -20,7 +20,13 @@ bool onWayland() {
 
 } // namespace
 
-std::string DesktopHotKey::grab() {
+void DesktopHotKey::grab(std::function<void(std::string)> done) {
+    queue.post([this, to = mailbox.address(), done = std::move(done)] {
+        to.post([done, problem = take()] { done(problem); });
+    });
+}
+
+std::string DesktopHotKey::take() {
     // There an X grab would work over X windows only, which is worse than none.
     if (onWayland()) return std::string(PlatformText::hotKeyOnWayland);
     try {

@@ -5,6 +5,7 @@
 
 #include <dlfcn.h>
 #include <fmt/format.h>
+#include <string>
 #include <string_view>
 
 namespace OmbrelRecord {
@@ -12,8 +13,11 @@ namespace OmbrelRecord {
 namespace {
 
 [[noreturn]] void fail(const char* file, std::string_view cause) {
+    // The linker's causes name the file themselves.
+    const std::string what =
+        cause.find(file) == std::string_view::npos ? fmt::format("{}: {}", file, cause) : std::string(cause);
     throw RecordCore::RecordingError(
-        fmt::format("a part of Ombrel Record can't be used ({}: {}); install it again", file, cause));
+        fmt::format("a part of Ombrel Record can't be used ({}); install it again", what));
 }
 
 } // namespace

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Layouts
 import QtQuick.Templates as T
 import OmbrelRecord
 
@@ -13,7 +12,7 @@ FocusScope {
     property date now: new Date()
     readonly property bool empty: app.recents.count === 0
     /// Everything is there that is to be seen.
-    readonly property bool ready: backdrop.ready
+    readonly property bool ready: backdrop.ready && recordings.status === Loader.Ready && !arrival.running
 
     signal fileWanted()
 
@@ -93,47 +92,18 @@ FocusScope {
         }
     }
 
+    // What is not needed at once is read and made when it is.
+
     // What the user should know.
-    Column {
+    Loader {
         id: messages
         anchors { left: bar.left; right: bar.right; top: bar.bottom }
-        spacing: Theme.s
-
-        MessageBar {
-            id: problemBar
-            visible: root.app.problem.length > 0
-            width: parent.width
-            text: root.app.problem
-            onClosed: root.app.dismissProblem()
-        }
-        Repeater {
-            model: root.app.recovered
-
-            MessageBar {
-                id: offer
-                required property var modelData
-
-                width: messages.width
-                iconName: "restore"
-                tint: Theme.accentText
-                ground: Theme.accent
-                text: qsTr("“%1” was cut off before it was finished. It has been made whole and can be opened.")
-                    .arg(modelData.name)
-                onClosed: root.app.dismissRecovered()
-
-                Button {
-                    text: qsTr("Open")
-                    implicitHeight: 32
-                    onClicked: {
-                        const folder = offer.modelData.folder;
-                        root.app.dismissRecovered();
-                        root.app.open(folder);
-                    }
-                }
-            }
-        }
+        active: root.app.problem.length > 0 || root.app.recovered.length > 0
+        source: "HomeMessages.qml"
+        onLoaded: item.app = root.app
     }
-    readonly property real messagesHeight: messages.implicitHeight > 0 ? messages.implicitHeight + Theme.l : 0
+    readonly property real messagesHeight: messages.active && messages.implicitHeight > 0
+                                           ? messages.implicitHeight + Theme.l : 0
 
     // The source, as the film would show it.
     Item {
@@ -170,90 +140,36 @@ FocusScope {
             radius: 10
             whole: true
             visible: root.app.hasScreenAccess
+            onWidthChanged: wantSize()
+            onHeightChanged: wantSize()
+            function wantSize() {
+                if (width > 0 && height > 0)
+                    root.app.previewSize = Qt.size(Math.ceil(width * Screen.devicePixelRatio),
+                                                   Math.ceil(height * Screen.devicePixelRatio));
+            }
             Accessible.role: Accessible.Graphic
             Accessible.name: qsTr("Preview of %1").arg(root.app.targetName)
         }
 
         // While there is nothing to show.
-        Column {
+        Loader {
             anchors.centerIn: parent
             width: Math.min(420, parent.width - 48)
-            spacing: Theme.m
-            visible: !root.app.hasScreenAccess || (preview.empty && root.app.displays.length === 0)
-
-            Rectangle {
-                width: 56
-                height: 56
-                radius: 18
-                color: "#26FFFFFF"
-                anchors.horizontalCenter: parent.horizontalCenter
-                Icon { anchors.centerIn: parent; name: root.app.hasScreenAccess ? "display" : "lock"; color: "#FFFFFF"; size: 28 }
-            }
-            Label {
-                width: parent.width
-                horizontalAlignment: Text.AlignHCenter
-                wrapMode: Text.WordWrap
-                color: "#FFFFFF"
-                font: Theme.title
-                text: root.app.hasScreenAccess ? qsTr("No display to show") : qsTr("Allow screen recording")
-            }
-            Label {
-                width: parent.width
-                horizontalAlignment: Text.AlignHCenter
-                wrapMode: Text.WordWrap
-                color: "#D8DBE4"
-                lineHeight: 1.25
-                text: root.app.hasScreenAccess
-                    ? qsTr("Log in to a desktop session, then start Ombrel Record there. Films you have made can be opened here all the same.")
-                    : qsTr("Ombrel Record shows and records only what you choose, and nothing leaves this computer. Your desktop asks once.")
-            }
-            Button {
-                visible: !root.app.hasScreenAccess
-                anchors.horizontalCenter: parent.horizontalCenter
-                kind: "filled"
-                text: qsTr("Allow screen recording")
-                onClicked: root.app.requestScreenAccess()
-            }
+            active: !root.app.hasScreenAccess
+                    || (root.app.sourcesListed && preview.empty && root.app.displays.length === 0)
+            source: "NothingToShow.qml"
+            onLoaded: item.app = root.app
         }
 
         // The camera stands where the film will have it.
-        Item {
-            LayoutMirroring.enabled: false
-            visible: root.app.camera && root.app.hasScreenAccess
+        Loader {
             width: Math.round(parent.height * 0.26)
             height: width
+            LayoutMirroring.enabled: false
             anchors { right: parent.right; bottom: parent.bottom; margins: 20 }
-
-            Rectangle {
-                anchors.fill: parent
-                radius: width / 2
-                color: "#E614161C"
-                Icon {
-                    anchors.centerIn: parent
-                    visible: bubble.empty
-                    name: root.app.cameraMessage.length > 0 ? "camera-off" : "camera"
-                    color: "#C8CCD6"
-                    size: 28
-                }
-            }
-            Picture {
-                id: bubble
-                anchors.fill: parent
-                app: root.app
-                name: "camera"
-                revision: root.app.cameraRevision
-                radius: width / 2
-                mirrored: true
-                Accessible.role: Accessible.Graphic
-                Accessible.name: qsTr("Camera")
-            }
-            Rectangle {
-                anchors.fill: parent
-                radius: width / 2
-                color: "transparent"
-                border.width: 3
-                border.color: "#F2FFFFFF"
-            }
+            active: root.app.camera && root.app.hasScreenAccess
+            source: "CameraBubble.qml"
+            onLoaded: item.app = root.app
         }
     }
 
@@ -325,7 +241,7 @@ FocusScope {
                                 Accessible.ignored: true
                             }
                             Label {
-                                text: root.app.targetName
+                                text: root.app.sourcesListed ? root.app.targetName : " "
                                 font: Theme.strong
                                 width: parent.width
                                 horizontalAlignment: Text.AlignLeft
@@ -355,15 +271,11 @@ FocusScope {
                     tip: qsTr("Record the camera, too")
                     onToggled: root.app.toggleCamera()
 
-                    ComboBox {
-                        visible: root.app.cameras.length > 1
+                    Loader {
                         width: parent.width
-                        label: qsTr("Camera")
-                        textRole: "name"
-                        valueRole: "id"
-                        model: root.app.cameras
-                        currentIndex: Math.max(0, root.app.cameras.findIndex(c => c.id === root.app.cameraID))
-                        onChosen: id => root.app.chooseCamera(id)
+                        active: root.app.camera
+                        source: "CameraChoice.qml"
+                        onLoaded: item.app = root.app
                     }
                 }
                 Hairline { width: parent.width }
@@ -378,21 +290,11 @@ FocusScope {
                     tip: qsTr("Record your voice; captions are made from it")
                     onToggled: root.app.toggleMicrophone()
 
-                    ComboBox {
-                        visible: root.app.microphones.length > 1
+                    Loader {
                         width: parent.width
-                        label: qsTr("Microphone")
-                        textRole: "name"
-                        valueRole: "id"
-                        model: [{ id: "", name: qsTr("The system's choice") }].concat(root.app.microphones)
-                        currentIndex: root.app.microphoneID.length === 0 ? 0
-                            : 1 + root.app.microphones.findIndex(m => m.id === root.app.microphoneID)
-                        onChosen: id => root.app.chooseMicrophone(id)
-                    }
-                    LevelMeter {
-                        visible: root.app.microphones.length > 0
-                        width: parent.width
-                        level: root.app.microphoneLevel
+                        active: root.app.microphone
+                        source: "MicrophoneChoice.qml"
+                        onLoaded: item.app = root.app
                     }
                 }
                 Hairline { width: parent.width }
@@ -407,25 +309,11 @@ FocusScope {
                 }
 
                 // Where something is missing: what it means, and what to do.
-                Column {
+                Loader {
                     width: parent.width
-                    topPadding: Theme.xs
-                    spacing: Theme.s
-
-                    Hint {
-                        width: parent.width
-                        visible: root.app.hasScreenAccess && !root.app.seesKeys
-                        iconName: "keyboard"
-                        text: qsTr("Typing can't be noticed here, so the view follows clicks alone.")
-                        action: qsTr("Allow")
-                        onActed: root.app.requestKeys()
-                    }
-                    Hint {
-                        width: parent.width
-                        visible: root.app.hotKeyProblem.length > 0 && root.app.problem !== root.app.hotKeyProblem
-                        iconName: "info"
-                        text: root.app.hotKeyProblem
-                    }
+                    active: (root.app.hasScreenAccess && !root.app.seesKeys) || root.app.hotKeyProblem.length > 0
+                    source: "HomeHints.qml"
+                    onLoaded: item.app = root.app
                 }
             }
         }
@@ -441,7 +329,8 @@ FocusScope {
                 text: root.app.starting ? qsTr("Starting…") : qsTr("Record")
                 keys: root.app.hotKeyProblem.length === 0 ? root.app.hotKeyName : ""
                 tip: qsTr("Counts down from three, then records")
-                enabled: !root.app.starting && root.app.displays.length > 0
+                // Before the displays have been listed, too: a recording looks them up itself.
+                enabled: !root.app.starting && (root.app.displays.length > 0 || !root.app.sourcesListed)
                 focus: true
                 onClicked: root.app.startRecording()
             }
@@ -470,6 +359,8 @@ FocusScope {
         Label {
             id: heading
             anchors.left: parent.left
+            visible: root.app.recents.listed
+            opacity: recordings.opacity
             text: root.empty ? qsTr("How a film comes about") : qsTr("Recent recordings")
             font: Theme.lead
         }
@@ -479,68 +370,24 @@ FocusScope {
             text: root.app.recents.count
             secondary: true
         }
-        HowItWorks {
-            anchors { left: parent.left; right: parent.right; top: heading.bottom; bottom: parent.bottom; topMargin: Theme.m }
-            visible: root.empty
-        }
-        ListView {
-            id: list
-            anchors {
-                left: parent.left; right: parent.right; top: heading.bottom; bottom: parent.bottom
-                leftMargin: -4; rightMargin: -4; topMargin: Theme.s
-            }
-            visible: !root.empty
-            orientation: ListView.Horizontal
-            spacing: Theme.l
-            model: root.app.recents
-            clip: true
-            // Room for the focus ring, which the list's edge would cut.
-            leftMargin: 4
-            rightMargin: 4
-            boundsBehavior: Flickable.StopAtBounds
-            reuseItems: true
-            keyNavigationEnabled: true
-            highlightMoveDuration: Theme.gentle
-            activeFocusOnTab: true
-            Accessible.role: Accessible.List
-            Accessible.name: qsTr("Recent recordings")
-            T.ScrollBar.horizontal: ScrollBar {}
-
-            delegate: RecordingCard {
-                required property var model
-                required property int index
-                app: root.app
-                folder: model.folder
-                still: model.still
-                duration: model.duration
-                date: model.date
-                now: root.now
-                focusPolicy: Qt.ClickFocus
-                current: ListView.isCurrentItem && ListView.view.activeFocus
-                onClicked: root.app.open(folder)
-                onRevealWanted: root.app.reveal(folder)
-                onTrashWanted: root.app.trash(folder)
-
-                FocusRing {
-                    anchors.topMargin: 4 - 3
-                    anchors.bottomMargin: parent.height - 4 - Math.round(parent.width * 0.625) - 3
-                    shown: parent.current
-                    radius: Theme.radiusM + 3
+        Loader {
+            id: recordings
+            anchors { left: parent.left; right: parent.right; top: heading.bottom; bottom: parent.bottom }
+            asynchronous: true // the main thread waits for nobody to read it
+            source: !root.app.recents.listed ? "" : root.empty ? "HowItWorks.qml" : "RecentRecordings.qml"
+            onLoaded: {
+                if (!root.empty) {
+                    item.app = root.app;
+                    item.now = Qt.binding(() => root.now);
                 }
+                arrival.restart();
             }
-            Keys.onReturnPressed: if (currentItem) currentItem.clicked()
-            Keys.onEnterPressed: if (currentItem) currentItem.clicked()
-            Keys.onDeletePressed: if (currentItem) currentItem.trashWanted()
-
-            WheelHandler {
-                // A wheel that only turns up and down moves the row, too.
-                orientation: Qt.Vertical
-                acceptedDevices: PointerDevice.Mouse | PointerDevice.TouchPad
-                onWheel: event => {
-                    const low = list.originX - list.leftMargin;
-                    const high = Math.max(low, list.originX + list.contentWidth - list.width + list.rightMargin);
-                    list.contentX = Math.max(low, Math.min(high, list.contentX - event.angleDelta.y));
-                }
+            NumberAnimation on opacity {
+                id: arrival
+                running: false
+                from: 0
+                to: 1
+                duration: Theme.gentle
             }
         }
     }
@@ -555,11 +402,9 @@ FocusScope {
     Loader {
         id: picker
         function show() {
-            active = true;
+            if (!item) setSource("SourcePicker.qml", { app: root.app });
             item.open();
         }
-        active: false
-        sourceComponent: SourcePicker { app: root.app }
     }
     function showPicker() { picker.show(); }
 }

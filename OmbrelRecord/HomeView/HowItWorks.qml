@@ -1,6 +1,5 @@
 pragma ComponentBehavior: Bound
 import QtQuick
-import QtQuick.Layouts
 import OmbrelRecord
 
 /// How a film comes about, for those who have none yet.
@@ -20,8 +19,9 @@ Item {
           text: qsTr("Change what you like on the timeline, then export in the shape each place wants.") }
     ]
 
-    RowLayout {
-        anchors.fill: parent
+    Row {
+        id: row
+        anchors { fill: parent; topMargin: Theme.m }
         spacing: Theme.l
 
         Repeater {
@@ -32,9 +32,8 @@ Item {
                 required property var modelData
                 required property int index
 
-                Layout.fillWidth: true
-                Layout.fillHeight: true
-                Layout.preferredWidth: 100
+                width: (row.width - (root.steps.length - 1) * row.spacing) / root.steps.length
+                height: row.height
 
                 Column {
                     anchors { fill: parent; margins: Theme.l }

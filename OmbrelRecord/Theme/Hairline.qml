@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Window
 import OmbrelRecord
 
 /// One device pixel between two surfaces.

@@ -1,6 +1,7 @@
 #include "OmbrelRecord/Theme/Theme.h"
 
 #include <QtCore/QDebug>
+#include <QtCore/QResource>
 #include <QtGui/QFontDatabase>
 
 namespace OmbrelRecord {
@@ -34,8 +35,11 @@ QFont Theme::font(int pixels, QFont::Weight weight) const {
 
 void Theme::loadFonts() {
     for (const char* weight : {"400Regular", "500Medium", "600SemiBold", "700Bold"}) {
-        const QString file = QStringLiteral(":/fonts/PlusJakartaSans_%1.ttf").arg(QLatin1String(weight));
-        if (QFontDatabase::addApplicationFont(file) < 0) qWarning() << "cannot load" << file;
+        const QResource file(QStringLiteral(":/fonts/PlusJakartaSans_%1.ttf").arg(QLatin1String(weight)));
+        const QByteArray data =
+            QByteArray::fromRawData(reinterpret_cast<const char*>(file.data()), file.size());
+        if (QFontDatabase::addApplicationFontFromData(data) < 0)
+            qWarning() << "cannot load" << file.fileName();
     }
 }
 

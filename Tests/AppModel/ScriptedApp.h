@@ -117,7 +117,7 @@ private:
 
 class ScriptedHotKey : public HotKey {
 public:
-    std::string grab() override { return trouble; }
+    void grab(std::function<void(std::string)> done) override { done(trouble); }
     std::string trouble;
 };
 

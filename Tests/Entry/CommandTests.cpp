@@ -262,6 +262,37 @@ TEST_F(Commands, withoutADesktopTheWindowsSayWhatIsMissing) {
     }
 }
 
+TEST_F(Commands, aModuleThatIsNotOursIsToldByName) {
+    const fs::path own = folder / "modules";
+    const fs::path module = own / "ombrel-media.so";
+    // A search path of the environment goes before the program's own.
+    const auto plan = [&] {
+        return shell("LD_LIBRARY_PATH=" + quoted(own) + " '" OMBREL_PROGRAM "' plan " + quoted(recording));
+    };
+    fs::create_directory(own);
+    EXPECT_EQ(plan().status, 0);
+    write(module, "no library");
+    const Outcome damaged = plan();
+    EXPECT_EQ(damaged.status, 1);
+    EXPECT_NE(damaged.err.find("ombrel-media.so"), std::string::npos) << damaged.err;
+    fs::copy_file(OMBREL_MODULES "/ombrel-sound.so", module, fs::copy_options::overwrite_existing);
+    const Outcome another = plan();
+    EXPECT_EQ(another.status, 1);
+    EXPECT_NE(another.err.find("not one of its modules"), std::string::npos) << another.err;
+}
+
+TEST_F(Commands, whatAVerbDoesNotNeedIsNotLoaded) {
+    const auto modules = [](const std::string& arguments) {
+        return shell("LD_DEBUG=files '" OMBREL_PROGRAM "' " + arguments +
+                     " 2>&1 >/dev/null | grep -o 'calling init: .*' | grep -o "
+                     "'ombrel-[a-z]*\\.so\\|libavformat' | "
+                     "sort -u | tr '\\n' ' '")
+            .out;
+    };
+    EXPECT_EQ(modules("--help"), "");
+    EXPECT_EQ(modules("plan " + quoted(recording)), "libavformat ombrel-media.so ");
+}
+
 TEST_F(Commands, wrongUsageIsTold) {
     for (const char* arguments : {"export", "still x", "plan", "export x -o y --format 3:2",
                                   "export x -o y --fps 0", "plan x --frames many"}) {

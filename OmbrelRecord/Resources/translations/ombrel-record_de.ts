@@ -61,6 +61,20 @@
     </message>
 </context>
 <context>
+    <name>CameraBubble</name>
+    <message>
+        <source>Camera</source>
+        <translation>Kamera</translation>
+    </message>
+</context>
+<context>
+    <name>CameraChoice</name>
+    <message>
+        <source>Camera</source>
+        <translation>Kamera</translation>
+    </message>
+</context>
+<context>
     <name>CameraPanel</name>
     <message>
         <source>Camera</source>
@@ -1000,6 +1014,28 @@
     </message>
 </context>
 <context>
+    <name>HomeHints</name>
+    <message>
+        <source>Typing can&apos;t be noticed here, so the view follows clicks alone.</source>
+        <translation>Das Tippen lässt sich hier nicht bemerken, darum folgt das Bild allein den Klicks.</translation>
+    </message>
+    <message>
+        <source>Allow</source>
+        <translation>Erlauben</translation>
+    </message>
+</context>
+<context>
+    <name>HomeMessages</name>
+    <message>
+        <source>“%1” was cut off before it was finished. It has been made whole and can be opened.</source>
+        <translation>„%1“ wurde abgeschnitten, bevor es fertig war. Es wurde ganz gemacht und kann geöffnet werden.</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
+</context>
+<context>
     <name>HomeView</name>
     <message>
         <source>Open the sample</source>
@@ -1018,32 +1054,8 @@
         <translation>Macht einen Film aus einer Videodatei, die Sie haben</translation>
     </message>
     <message>
-        <source>“%1” was cut off before it was finished. It has been made whole and can be opened.</source>
-        <translation>„%1“ wurde abgeschnitten, bevor es fertig war. Es wurde ganz gemacht und kann geöffnet werden.</translation>
-    </message>
-    <message>
-        <source>Open</source>
-        <translation>Öffnen</translation>
-    </message>
-    <message>
         <source>Preview of %1</source>
         <translation>Vorschau von %1</translation>
-    </message>
-    <message>
-        <source>No display to show</source>
-        <translation>Kein Bildschirm zu zeigen</translation>
-    </message>
-    <message>
-        <source>Allow screen recording</source>
-        <translation>Bildschirmaufnahme erlauben</translation>
-    </message>
-    <message>
-        <source>Log in to a desktop session, then start Ombrel Record there. Films you have made can be opened here all the same.</source>
-        <translation>Melden Sie sich an einer Arbeitsumgebung an und starten Sie Ombrel Record dort. Fertige Filme lassen sich auch hier öffnen.</translation>
-    </message>
-    <message>
-        <source>Ombrel Record shows and records only what you choose, and nothing leaves this computer. Your desktop asks once.</source>
-        <translation>Ombrel Record zeigt und nimmt nur auf, was Sie wählen, und nichts verlässt diesen Rechner. Ihre Arbeitsumgebung fragt einmal.</translation>
     </message>
     <message>
         <source>Camera</source>
@@ -1090,10 +1102,6 @@
         <translation>Nimmt Ihre Stimme auf; daraus werden Untertitel</translation>
     </message>
     <message>
-        <source>The system&apos;s choice</source>
-        <translation>Wie das System es wählt</translation>
-    </message>
-    <message>
         <source>Computer&apos;s sound</source>
         <translation>Ton des Rechners</translation>
     </message>
@@ -1104,14 +1112,6 @@
     <message>
         <source>Record what programs play</source>
         <translation>Aufnehmen, was Programme abspielen</translation>
-    </message>
-    <message>
-        <source>Typing can&apos;t be noticed here, so the view follows clicks alone.</source>
-        <translation>Das Tippen lässt sich hier nicht bemerken, darum folgt das Bild allein den Klicks.</translation>
-    </message>
-    <message>
-        <source>Allow</source>
-        <translation>Erlauben</translation>
     </message>
     <message>
         <source>Starting…</source>
@@ -1221,6 +1221,25 @@
     <message>
         <source>Set everything in this panel back</source>
         <translation>Alles in diesem Bereich zurücksetzen</translation>
+    </message>
+</context>
+<context>
+    <name>LeaveQuestion</name>
+    <message>
+        <source>A film is being exported</source>
+        <translation>Ein Film wird exportiert</translation>
+    </message>
+    <message>
+        <source>Closing now stops the export. Your edits are kept; you can export again later.</source>
+        <translation>Wenn Sie jetzt schließen, bricht der Export ab. Ihre Änderungen bleiben; Sie können später noch einmal exportieren.</translation>
+    </message>
+    <message>
+        <source>Stop and close</source>
+        <translation>Abbrechen und schließen</translation>
+    </message>
+    <message>
+        <source>Keep exporting</source>
+        <translation>Weiter exportieren</translation>
     </message>
 </context>
 <context>
@@ -1385,6 +1404,27 @@
         <source>%1 — Ombrel Record</source>
         <translation>%1 – Ombrel Record</translation>
     </message>
+</context>
+<context>
+    <name>MessageBar</name>
+    <message>
+        <source>Dismiss</source>
+        <translation>Ausblenden</translation>
+    </message>
+</context>
+<context>
+    <name>MicrophoneChoice</name>
+    <message>
+        <source>Microphone</source>
+        <translation>Mikrofon</translation>
+    </message>
+    <message>
+        <source>The system&apos;s choice</source>
+        <translation>Wie das System es wählt</translation>
+    </message>
+</context>
+<context>
+    <name>MovieChooser</name>
     <message>
         <source>Open a movie</source>
         <translation>Video öffnen</translation>
@@ -1397,28 +1437,24 @@
         <source>All files (*)</source>
         <translation>Alle Dateien (*)</translation>
     </message>
-    <message>
-        <source>A film is being exported</source>
-        <translation>Ein Film wird exportiert</translation>
-    </message>
-    <message>
-        <source>Closing now stops the export. Your edits are kept; you can export again later.</source>
-        <translation>Wenn Sie jetzt schließen, bricht der Export ab. Ihre Änderungen bleiben; Sie können später noch einmal exportieren.</translation>
-    </message>
-    <message>
-        <source>Stop and close</source>
-        <translation>Abbrechen und schließen</translation>
-    </message>
-    <message>
-        <source>Keep exporting</source>
-        <translation>Weiter exportieren</translation>
-    </message>
 </context>
 <context>
-    <name>MessageBar</name>
+    <name>NothingToShow</name>
     <message>
-        <source>Dismiss</source>
-        <translation>Ausblenden</translation>
+        <source>No display to show</source>
+        <translation>Kein Bildschirm zu zeigen</translation>
+    </message>
+    <message>
+        <source>Allow screen recording</source>
+        <translation>Bildschirmaufnahme erlauben</translation>
+    </message>
+    <message>
+        <source>Log in to a desktop session, then start Ombrel Record there. Films you have made can be opened here all the same.</source>
+        <translation>Melden Sie sich an einer Arbeitsumgebung an und starten Sie Ombrel Record dort. Fertige Filme lassen sich auch hier öffnen.</translation>
+    </message>
+    <message>
+        <source>Ombrel Record shows and records only what you choose, and nothing leaves this computer. Your desktop asks once.</source>
+        <translation>Ombrel Record zeigt und nimmt nur auf, was Sie wählen, und nichts verlässt diesen Rechner. Ihre Arbeitsumgebung fragt einmal.</translation>
     </message>
 </context>
 <context>
@@ -1640,6 +1676,13 @@
     <message>
         <source>Progress</source>
         <translation>Fortschritt</translation>
+    </message>
+</context>
+<context>
+    <name>RecentRecordings</name>
+    <message>
+        <source>Recent recordings</source>
+        <translation>Letzte Aufnahmen</translation>
     </message>
 </context>
 <context>
