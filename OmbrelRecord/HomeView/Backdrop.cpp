@@ -9,6 +9,7 @@
 #include <QtQuick/QQuickWindow>
 #include <QtQuick/QSGImageNode>
 #include <algorithm>
+#include <utility>
 
 namespace OmbrelRecord {
 
@@ -83,7 +84,7 @@ void Backdrop::drawAgain() {
 }
 
 void Backdrop::request() {
-    if (asked || wanted.isEmpty() || !QQuickItem::window() || width() < 16 || height() < 16) return;
+    if (!seen || asked || wanted.isEmpty() || !QQuickItem::window() || width() < 16 || height() < 16) return;
     const QSize pixels = (size() * QQuickItem::window()->effectiveDevicePixelRatio()).toSize();
     if (drawn == wanted && (!drawing.isNull() && drawing.width() >= pixels.width() - 1)) return;
     if (drawn == wanted && drawing.isNull()) return; // there is none of that name
@@ -111,6 +112,9 @@ void Backdrop::itemChange(ItemChange change, const ItemChangeData& value) {
 }
 
 QSGNode* Backdrop::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
+    // The window's first frame is not to share the processor with the drawing of it. The main thread waits
+    // here, whichever this one is.
+    if (!std::exchange(seen, true)) QMetaObject::invokeMethod(this, &Backdrop::request, Qt::QueuedConnection);
     auto* node = static_cast<QSGImageNode*>(old);
     QQuickWindow* shownIn = QQuickItem::window();
     const qreal ratio = shownIn->effectiveDevicePixelRatio();

@@ -9,7 +9,8 @@ namespace OmbrelRecord {
 
 /// A wallpaper of the films by its name, with round corners and room for a picture in its middle, under which
 /// it lays the film's soft shadow (`window`, in points; empty for none). The wallpaper is drawn on another
-/// thread; until it is there, and for a name that is not known, a dark gradient stands in.
+/// thread once the item has been shown; until it is there, and for a name that is not known, a dark gradient
+/// stands in.
 class Backdrop : public QQuickItem {
     Q_OBJECT
     QML_ELEMENT
@@ -53,6 +54,7 @@ private:
     QImage drawing;     ///< of the wallpaper `drawn`
     QString drawn;      ///< its name
     bool asked = false; ///< a drawing is under way
+    bool seen = false;  ///< it has been in a frame
     bool stale = true;
     SerialQueue queue; ///< the last member: nothing is drawn any more when the others go
 };
