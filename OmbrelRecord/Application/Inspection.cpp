@@ -21,6 +21,8 @@ Inspection::Inspection(const QString& socket) {
             if (auto* watch = dynamic_cast<StallWatch*>(QCoreApplication::instance())) {
                 watch->disregard();
                 told[QStringLiteral("stalls")] = watch->take();
+                told[QStringLiteral("keys")] = watch->keysHeard();
+                told[QStringLiteral("buttons")] = watch->buttonsHeard();
             }
             other->write(QJsonDocument(told).toJson(QJsonDocument::Compact));
             other->disconnectFromServer();

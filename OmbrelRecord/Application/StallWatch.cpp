@@ -5,6 +5,7 @@
 #include <QtCore/QMetaEnum>
 #include <QtCore/QPointer>
 #include <QtCore/QThread>
+#include <QtGui/QKeyEvent>
 #include <cstdio>
 #include <ctime>
 #include <fcntl.h>
@@ -48,6 +49,10 @@ bool StallWatch::notify(QObject* receiver, QEvent* event) {
     const QPointer<QObject> watched(receiver);
     const char* type = receiver ? receiver->metaObject()->className() : "";
     const QEvent::Type kind = event->type();
+    if (receiver && receiver->isWindowType()) {
+        if (kind == QEvent::KeyRelease && !static_cast<QKeyEvent*>(event)->isAutoRepeat()) ++keys;
+        if (kind == QEvent::MouseButtonRelease) ++buttons;
+    }
     const Moment before = now();
     disregarded = false;
     ++depth;

@@ -5,9 +5,9 @@
 
 namespace OmbrelRecord {
 
-/// An application that notes what keeps its main thread from the next event for more than 25 ms: work and
-/// waiting count, the time in which other programs had the processor does not. For tests: each event costs a
-/// few microseconds more. Main thread.
+/// An application that counts what it is told by hand, and notes what keeps its main thread from the next
+/// event for more than 25 ms: work and waiting count, the time in which other programs had the processor does
+/// not. For tests: each event costs a few microseconds more. Main thread.
 class StallWatch : public QGuiApplication {
 public:
     /// As a QGuiApplication's.
@@ -18,6 +18,9 @@ public:
 
     /// The stalls since this was last asked: [{ms, cpuMs, receiver, object, event}], in order.
     QJsonArray take();
+    /// How many keys and buttons have been let go over the windows so far.
+    int keysHeard() const { return keys; }
+    int buttonsHeard() const { return buttons; }
     /// The event that is being handled is the test's own doing and does not count.
     void disregard() { disregarded = true; }
 
@@ -30,6 +33,8 @@ private:
     int schedule; ///< descriptor of this thread's scheduling figures; negative: there are none
     int depth = 0;
     bool disregarded = false;
+    int keys = 0;
+    int buttons = 0;
     QJsonArray stalls;
 };
 

@@ -87,6 +87,8 @@ Program::Shown Program::shown() {
     const QJsonObject told = QJsonDocument::fromJson(answer).object();
     for (const QJsonValue& stall : told[QStringLiteral("stalls")].toArray())
         stalled.append(stall);
+    keysHeard = all.keys = told[QStringLiteral("keys")].toInt();
+    buttonsHeard = all.buttons = told[QStringLiteral("buttons")].toInt();
     for (const QJsonValue& window : told[QStringLiteral("windows")].toArray())
         all.windows.push_back(window.toObject());
     for (const QJsonValue& value : told[QStringLiteral("items")].toArray()) {
@@ -158,8 +160,9 @@ bool Program::click(const std::optional<Item>& item) {
 
 bool Program::clickAt(const QPointF& at) {
     session.movePointer(static_cast<int>(at.x()), static_cast<int>(at.y()));
+    shown();
     session.click(1);
-    rest();
+    rest(0, 1);
     return true;
 }
 
@@ -170,15 +173,16 @@ void Program::drag(const QPointF& from, const QPointF& to) {
     for (int i = 1; i <= steps; ++i) {
         const QPointF at = from + (to - from) * i / steps;
         session.movePointer(static_cast<int>(at.x()), static_cast<int>(at.y()));
-        rest();
+        rest(0, 0);
     }
     session.release(1);
-    rest();
+    rest(0, 1);
 }
 
 void Program::key(const std::vector<std::uint32_t>& keysyms) {
+    shown();
     session.typeKeys(keysyms);
-    rest();
+    rest(keysyms == Keys::hotKey ? 0 : static_cast<int>(keysyms.size()), 0);
 }
 
 std::optional<Program::Item> Program::focused() {
@@ -199,8 +203,11 @@ bool Program::tabTo(const QString& what, const Which& which) {
     return false;
 }
 
-/// It has taken up what the hands did: it answers after that.
-void Program::rest() {
+void Program::rest(int keys, int buttons) {
     session.sync();
-    shown();
+    const int wantedKeys = keysHeard + keys, wantedButtons = buttonsHeard + buttons;
+    eventually(5, [&] {
+        const Shown now = shown();
+        return now.keys >= wantedKeys && now.buttons >= wantedButtons;
+    });
 }

@@ -27,6 +27,7 @@ public:
     struct Shown {
         std::vector<QJsonObject> windows;
         std::vector<Item> items;
+        int keys = 0, buttons = 0; ///< let go over its windows so far
     };
     using Which = std::function<bool(const Item&)>;
 
@@ -77,13 +78,16 @@ public:
     static bool isNamed(const Item& item, const QString& name) { return item.name == name; }
 
 private:
-    void rest();
+    /// Waits until it has heard of so many more keys and buttons, for a while at most: where it has not the
+    /// focus, and of a hot key, it hears nothing.
+    void rest(int keys, int buttons);
 
     XSession& session;
     TemporaryFolder folder;
     std::optional<ChildProcess> process;
     QJsonArray stalled;
     std::string vain;
+    int keysHeard = 0, buttonsHeard = 0;
 };
 
 namespace Keys {
