@@ -78,7 +78,7 @@ void AppModel::openWithLog(const fs::path& video, const fs::path& file, const fs
 
 void AppModel::beginLoading(const fs::path& place) {
     if (state == Flow::home) stopPreviews();
-    message = QStringLiteral("Watching your recording…");
+    message = tr("Watching your recording…");
     ++openings;
     if (state == Flow::editing)
         leaveEditor(Flow::loading);
@@ -95,8 +95,7 @@ void AppModel::load(const fs::path& video, std::optional<InputLog> inputLog, con
         whileAlive(this,
                    [this, which](double share) {
                        if (which == openings && state == Flow::loading)
-                           setMessage(text(
-                               fmt::format("Watching your recording… {}%", static_cast<int>(share * 100))));
+                           setMessage(tr("Watching your recording… %1%").arg(static_cast<int>(share * 100)));
                    }),
         whileAlive(this, [this, which](std::unique_ptr<EditorModel> model, const std::string& failure) {
             if (which == openings && state == Flow::loading) loaded(std::move(model), failure);
@@ -118,7 +117,7 @@ void AppModel::loaded(std::unique_ptr<EditorModel> model, const std::string& fai
         log(fmt::format("editor: failed {}", failure));
         enter(Flow::home);
         startPreviews();
-        setProblem(fmt::format("Couldn't open that video: {}", failure));
+        setProblem(tr("Couldn't open that video: %1").arg(text(failure)).toStdString());
         return;
     }
     openEditor = std::move(model);
@@ -138,7 +137,7 @@ void AppModel::open(const QString& name) {
     // It was cut off, and its turn has not come yet.
     if (state == Flow::editing) backHome();
     stopPreviews();
-    message = QStringLiteral("Making the recording whole…");
+    message = tr("Making the recording whole…");
     const std::uint64_t which = ++openings;
     enter(Flow::recovering);
     parts.recover(recording.folder, whileAlive(this, [this, which, recording](const std::string& failure) {
@@ -149,7 +148,7 @@ void AppModel::open(const QString& name) {
                       log(fmt::format("editor: failed {}", failure));
                       enter(Flow::home);
                       startPreviews();
-                      setProblem(fmt::format("Couldn't open that video: {}", failure));
+                      setProblem(tr("Couldn't open that video: %1").arg(text(failure)).toStdString());
                   }));
 }
 
@@ -178,7 +177,7 @@ bool AppModel::hasSample() const {
 
 void AppModel::openSample() {
     if (!idle()) return;
-    if (!hasSample()) return setProblem("The sample isn't in this build.");
+    if (!hasSample()) return setProblem(tr("The sample isn't in this build.").toStdString());
     if (parts.sampleHome.empty())
         return setProblem("Couldn't open that video: there is no folder for the sample, because your home "
                           "folder isn't known.");
@@ -195,7 +194,7 @@ void AppModel::openSample() {
         [this, unpacked, failure] {
             if (!idle()) return;
             if (failure->empty()) return open(pathText(unpacked));
-            setProblem(fmt::format("Couldn't open that video: {}", *failure));
+            setProblem(tr("Couldn't open that video: %1").arg(text(*failure)).toStdString());
         });
 }
 

@@ -85,7 +85,7 @@ void AppModel::resolved() {
     }
     if (!display && !content.displays.empty()) display = &content.displays.front();
     if (!display && chosenWindow == 0) {
-        setProblem("No display to record.");
+        setProblem(tr("No display to record.").toStdString());
         return enter(Flow::home);
     }
     countdownFrame = display ? rectangle(display->frame) : QRect();
@@ -96,7 +96,7 @@ void AppModel::resolved() {
 }
 
 void AppModel::windowGone() {
-    setProblem("That window has closed. Pick another one, or a whole screen.");
+    setProblem(tr("That window has closed. Pick another one, or a whole screen.").toStdString());
     chosenWindow = 0;
     target.reset();
     Q_EMIT sourcesChanged();
@@ -179,7 +179,7 @@ void AppModel::startFailed(const std::string& description) {
     if (!folder.empty()) fs::remove(folder, ignored);
     enter(Flow::home);
     startPreviews();
-    setProblem(fmt::format("Couldn't start recording: {}", description));
+    setProblem(tr("Couldn't start recording: %1").arg(text(description)).toStdString());
     showMain();
 }
 
@@ -205,7 +205,7 @@ void AppModel::endedByItself(const std::string& description) {
         return;
     }
     if (!isRecording()) return;
-    setProblem(fmt::format("Recording stopped: {}", description));
+    setProblem(tr("Recording stopped: %1").arg(text(description)).toStdString());
     stopRecording();
 }
 
@@ -215,7 +215,7 @@ void AppModel::stopRecording() {
     log(fmt::format("record: stop after {:.0f} s", std::floor(elapsedTime)));
     run->hold(); // our own window comes up now
     ask({});
-    message = QStringLiteral("Finishing the recording…");
+    message = tr("Finishing the recording…");
     enter(Flow::saving);
     showMain();
     run->stop(whileAlive(this, [this](RecordingRun::Stopped result) { stopped(std::move(result)); }));
@@ -229,7 +229,7 @@ void AppModel::stopped(RecordingRun::Stopped result) {
         return removeFolder([this, failure = result.failure] {
             enter(Flow::home);
             startPreviews();
-            setProblem(fmt::format("The recording couldn't be saved: {}", failure));
+            setProblem(tr("The recording couldn't be saved: %1").arg(text(failure)).toStdString());
         });
     }
     if (!result.problem.empty()) setProblem(result.problem);
@@ -240,12 +240,11 @@ void AppModel::stopped(RecordingRun::Stopped result) {
 
 void AppModel::discardRecording() {
     if (!isRecording() || !currentQuestion.isEmpty()) return;
-    ask({{QStringLiteral("title"), QStringLiteral("Discard this recording?")},
+    ask({{QStringLiteral("title"), tr("Discard this recording?")},
          {QStringLiteral("text"),
-          text(fmt::format("The {} recorded so far will be deleted. Recording continues while you decide.",
-                           clock(elapsedTime)))},
-         {QStringLiteral("buttons"),
-          QStringList{QStringLiteral("Discard"), QStringLiteral("Keep Recording")}}});
+          tr("The %1 recorded so far will be deleted. Recording continues while you decide.")
+              .arg(text(clock(elapsedTime)))},
+         {QStringLiteral("buttons"), QStringList{tr("Discard"), tr("Keep Recording")}}});
 }
 
 void AppModel::answer(int button) {

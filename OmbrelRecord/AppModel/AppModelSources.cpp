@@ -37,7 +37,7 @@ QString AppModel::windowName(const WindowInfo& window) {
 QString AppModel::targetName() const {
     if (chosenWindow != 0 && target) return windowName(*target);
     if (const DisplayInfo* display = withId(content.displays, chosenDisplay)) return displayName(*display);
-    return QStringLiteral("Choose a screen");
+    return tr("Choose a screen");
 }
 
 const DisplayInfo* AppModel::screen(const ScreenRect& frame) const {

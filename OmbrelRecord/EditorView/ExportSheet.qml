@@ -8,8 +8,9 @@ T.Popup {
     id: root
 
     required property EditorModel editor
+    readonly property var project: editor.project
     property alias queue: queue
-    property var chosen: [editor.project.format]
+    property var chosen: [project.format]
     property real scale_: 1
     property real rate: 60
     readonly property int phase: queue.state
@@ -51,7 +52,7 @@ T.Popup {
     onAboutToShow: {
         if (queue.state !== ExportQueue.Working) {
             queue.clear();
-            chosen = [editor.project.format];
+            chosen = [project.format];
         }
     }
     onOpened: (queue.state === ExportQueue.Idle ? go : contentItem).forceActiveFocus(Qt.TabFocusReason)
@@ -243,7 +244,8 @@ T.Popup {
                                 font: Theme.tiny
                                 secondary: true
                                 text: film.modelData.state === "done" ? film.modelData.folder
-                                    : film.modelData.state === "failed" ? qsTr("Not finished") : qsTr("Waiting")
+                                    : film.modelData.state === "failed" || root.phase === ExportQueue.Failed
+                                        ? qsTr("Not finished") : qsTr("Waiting")
                             }
                         }
                         IconButton {
@@ -295,10 +297,19 @@ T.Popup {
                 }
             }
 
-            // What to do next.
-            Row {
+            // What to do next. Longer words go on a line of their own.
+            Flow {
                 anchors.right: parent.right
+                width: Math.min(parent.width, needed)
                 spacing: Theme.s
+
+                readonly property real needed: {
+                    let sum = -spacing;
+                    for (let i = 0; i < children.length; ++i)
+                        if (children[i].visible)
+                            sum += children[i].width + spacing;
+                    return Math.max(0, sum);
+                }
 
                 Button {
                     visible: root.phase === ExportQueue.Done

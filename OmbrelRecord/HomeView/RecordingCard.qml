@@ -1,3 +1,5 @@
+// Not bound: a Loader of Qt 6.4 cannot make bound components.
+// qmllint disable unqualified
 import QtQuick
 import QtQuick.Templates as T
 import OmbrelRecord
@@ -35,8 +37,8 @@ T.AbstractButton {
         if (days === 0) return qsTr("Today, %1").arg(time);
         if (days === 1) return qsTr("Yesterday, %1").arg(time);
         return date.getFullYear() === now.getFullYear()
-            ? date.toLocaleDateString(Qt.locale(), "d MMMM") + ", " + time
-            : date.toLocaleDateString(Qt.locale(), "d MMM yyyy") + ", " + time;
+            ? date.toLocaleDateString(Qt.locale(), qsTr("d MMMM")) + ", " + time
+            : date.toLocaleDateString(Qt.locale(), qsTr("d MMM yyyy")) + ", " + time;
     }
     readonly property string age: {
         if (!dated) return "";
@@ -179,7 +181,7 @@ T.AbstractButton {
         id: menu
         function open() {
             active = true;
-            item.popup();
+            (item as Menu).popup();
         }
         active: false
         sourceComponent: Menu {

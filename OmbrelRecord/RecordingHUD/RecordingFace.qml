@@ -1,3 +1,4 @@
+pragma ComponentBehavior: Bound
 import QtQuick
 import OmbrelRecord
 
@@ -104,7 +105,8 @@ Rectangle {
             onClicked: root.app.discardRecording()
         }
         Button {
-            implicitWidth: 98
+            // In other languages the word is longer; the meter ends before it.
+            width: Math.max(98, implicitWidth)
             implicitHeight: 50
             kind: "record"
             iconName: "stop"

@@ -17,8 +17,8 @@ T.ComboBox {
     textRole: "text"
     valueRole: "value"
     font: Theme.body
-    leftPadding: 12
-    rightPadding: 34
+    leftPadding: mirrored ? 34 : 12
+    rightPadding: mirrored ? 12 : 34
     implicitWidth: 200
     implicitHeight: Theme.control
     hoverEnabled: true

@@ -1458,6 +1458,73 @@
     </message>
 </context>
 <context>
+    <name>OmbrelRecord::AppModel</name>
+    <message>
+        <source>Watching your recording…</source>
+        <translation>Ihre Aufnahme wird angesehen …</translation>
+    </message>
+    <message>
+        <source>Watching your recording… %1%</source>
+        <translation>Ihre Aufnahme wird angesehen … %1 %</translation>
+    </message>
+    <message>
+        <source>Couldn&apos;t open that video: %1</source>
+        <translation>Das Video ließ sich nicht öffnen: %1</translation>
+    </message>
+    <message>
+        <source>Making the recording whole…</source>
+        <translation>Die Aufnahme wird wiederhergestellt …</translation>
+    </message>
+    <message>
+        <source>The sample isn&apos;t in this build.</source>
+        <translation>Das Beispiel fehlt in dieser Fassung.</translation>
+    </message>
+    <message>
+        <source>No display to record.</source>
+        <translation>Kein Bildschirm zum Aufnehmen.</translation>
+    </message>
+    <message>
+        <source>That window has closed. Pick another one, or a whole screen.</source>
+        <translation>Dieses Fenster ist geschlossen. Wählen Sie ein anderes oder einen ganzen Bildschirm.</translation>
+    </message>
+    <message>
+        <source>Couldn&apos;t start recording: %1</source>
+        <translation>Die Aufnahme ließ sich nicht beginnen: %1</translation>
+    </message>
+    <message>
+        <source>Recording stopped: %1</source>
+        <translation>Die Aufnahme wurde beendet: %1</translation>
+    </message>
+    <message>
+        <source>Finishing the recording…</source>
+        <translation>Die Aufnahme wird fertiggestellt …</translation>
+    </message>
+    <message>
+        <source>The recording couldn&apos;t be saved: %1</source>
+        <translation>Die Aufnahme ließ sich nicht speichern: %1</translation>
+    </message>
+    <message>
+        <source>Discard this recording?</source>
+        <translation>Diese Aufnahme verwerfen?</translation>
+    </message>
+    <message>
+        <source>The %1 recorded so far will be deleted. Recording continues while you decide.</source>
+        <translation>Was bisher aufgenommen ist (%1), wird gelöscht. Während Sie entscheiden, läuft die Aufnahme weiter.</translation>
+    </message>
+    <message>
+        <source>Discard</source>
+        <translation>Verwerfen</translation>
+    </message>
+    <message>
+        <source>Keep Recording</source>
+        <translation>Weiter aufnehmen</translation>
+    </message>
+    <message>
+        <source>Choose a screen</source>
+        <translation>Bildschirm wählen</translation>
+    </message>
+</context>
+<context>
     <name>OmbrelRecord::EditorModel</name>
     <message>
         <source>The captions couldn&apos;t be saved there: %1. Choose another folder.</source>
@@ -1777,6 +1844,14 @@
     <message>
         <source>Return</source>
         <translation>Eingabe</translation>
+    </message>
+    <message>
+        <source>d MMMM</source>
+        <translation>d. MMMM</translation>
+    </message>
+    <message>
+        <source>d MMM yyyy</source>
+        <translation>d. MMM yyyy</translation>
     </message>
 </context>
 <context>
