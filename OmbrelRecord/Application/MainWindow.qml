@@ -1,3 +1,5 @@
+// Not bound: a Loader of Qt 6.4 cannot make bound components.
+// qmllint disable unqualified
 import QtQuick
 import OmbrelRecord
 
@@ -89,7 +91,7 @@ Window {
         asynchronous: true
         onLoaded: {
             content.sourceComponent = undefined;
-            item.forceActiveFocus();
+            (item as Item).forceActiveFocus();
         }
     }
     Connections {
@@ -100,7 +102,7 @@ Window {
         function onCancelled() { main.app.cancelWorking(); }
     }
     Shortcut {
-        sequences: [StandardKey.Quit]
+        sequences: [StandardKey.Quit] // qmllint disable unqualified
         onActivated: main.close()
     }
 

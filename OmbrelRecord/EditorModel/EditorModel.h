@@ -48,7 +48,7 @@ class EditorModel : public QObject {
     Q_PROPERTY(bool ownZoomBlocks READ ownZoomBlocks NOTIFY projectChanged)
     Q_PROPERTY(bool hasCamera READ hasCamera CONSTANT)
     Q_PROPERTY(bool hasSound READ hasSound CONSTANT)
-    Q_PROPERTY(QSize sourceSize READ sourceSize CONSTANT)
+    Q_PROPERTY(QSizeF sourceSize READ sourceSize CONSTANT)
     Q_PROPERTY(QSizeF viewBase READ viewBase NOTIFY planChanged)
     Q_PROPERTY(QVariantList captions READ captionList NOTIFY projectChanged)
     Q_PROPERTY(bool rendering READ rendering NOTIFY renderingChanged)

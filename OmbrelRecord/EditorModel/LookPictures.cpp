@@ -112,9 +112,9 @@ void LookPictures::setLooks(LookPresets* looks) {
     Q_EMIT looksChanged();
 }
 
-void LookPictures::setRoom(const QSize& pixels) {
-    if (pixels == most) return;
-    most = pixels;
+void LookPictures::setRoom(const QSizeF& pixels) {
+    if (pixels.toSize() == most) return;
+    most = pixels.toSize();
     askSoon();
     Q_EMIT roomChanged();
 }

@@ -8,6 +8,7 @@
 #include <QtCore/QObject>
 #include <QtCore/QPointer>
 #include <QtCore/QSize>
+#include <QtCore/QSizeF>
 #include <QtCore/QTimer>
 #include <QtGui/QImage>
 #include <atomic>
@@ -25,7 +26,7 @@ class LookPictures : public QObject {
     Q_PROPERTY(OmbrelRecord::EditorModel* editor READ editor WRITE setEditor NOTIFY editorChanged)
     Q_PROPERTY(OmbrelRecord::LookPresets* looks READ looks WRITE setLooks NOTIFY looksChanged)
     /// Room for one picture, in device pixels.
-    Q_PROPERTY(QSize room READ room WRITE setRoom NOTIFY roomChanged)
+    Q_PROPERTY(QSizeF room READ room WRITE setRoom NOTIFY roomChanged)
     /// Whether every picture is there.
     Q_PROPERTY(bool settled READ settled NOTIFY settledChanged)
 
@@ -37,8 +38,8 @@ public:
     void setEditor(EditorModel* editor);
     LookPresets* looks() const { return presets; }
     void setLooks(LookPresets* looks);
-    QSize room() const { return most; }
-    void setRoom(const QSize& pixels);
+    QSizeF room() const { return most; }
+    void setRoom(const QSizeF& pixels);
     bool settled() const { return open == 0 && !soon.isActive(); }
 
     /// The picture of a row of the looks: the latest there is, null before the first and where the recording

@@ -10,7 +10,6 @@ InspectorPanel {
     title: qsTr("Background")
     fields: ["wallpaperPreset", "wallpaper", "solidColor", "backdrop", "backgroundBlur"]
 
-    readonly property var project: editor.project
     readonly property string kind: project.wallpaper ? "image" : project.solidColor ? "color"
         : project.wallpaperPreset ? "wallpaper" : "gradient"
 

@@ -22,7 +22,7 @@ InspectorPanel {
         enabled: root.editor.hasCamera
     }
     PanelSection {
-        enabled: root.editor.hasCamera && root.editor.project.cameraShow === true
+        enabled: root.editor.hasCamera && root.project.cameraShow === true
 
         PanelChoice {
             editor: root.editor

@@ -177,7 +177,8 @@ InspectorPanel {
 
                             required property int index
                             readonly property int at: line.modelData.first + index
-                            readonly property string given: root.editor.captionCount > at ? root.editor.captionWord(at).text : ""
+                            readonly property var entry: root.editor.captionCount > at ? root.editor.captionWord(at) : null
+                            readonly property string given: entry?.text ?? ""
 
                             leftPadding: 6
                             rightPadding: 6
@@ -195,7 +196,7 @@ InspectorPanel {
                             onActiveFocusChanged: {
                                 if (!activeFocus) return;
                                 selectAll();
-                                root.editor.seek(root.editor.outputTime(root.editor.captionWord(at).start));
+                                root.editor.seek(root.editor.outputTime(entry.start));
                             }
                             onEditingFinished: if (text !== given) root.editor.editCaption(at, text)
                             Keys.onEscapePressed: text = given

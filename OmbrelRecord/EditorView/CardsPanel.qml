@@ -17,7 +17,7 @@ InspectorPanel {
     Column {
         width: parent.width
         spacing: Theme.s
-        enabled: root.editor.project.showTitle === true
+        enabled: root.project.showTitle === true
         opacity: enabled ? 1 : 0.5
 
         PanelText {
@@ -45,7 +45,7 @@ InspectorPanel {
         Column {
             width: parent.width
             spacing: Theme.s
-            enabled: root.editor.project.showEnd === true
+            enabled: root.project.showEnd === true
             opacity: enabled ? 1 : 0.5
 
             PanelText {

@@ -9,7 +9,7 @@ InspectorPanel {
     property bool cropping: false
     signal cropWanted(bool crop)
 
-    readonly property var crop: editor.project.crop
+    readonly property var crop: project.crop
     readonly property size source: editor.sourceSize
 
     title: qsTr("Crop")

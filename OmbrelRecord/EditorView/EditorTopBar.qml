@@ -6,6 +6,7 @@ Item {
     id: root
 
     required property EditorModel editor
+    readonly property var project: editor.project
     property bool exporting: false
     property real exportProgress: 0
 
@@ -83,7 +84,7 @@ Item {
         width: 360
         label: qsTr("Format")
         focusPolicy: Qt.TabFocus
-        value: root.editor.project.format
+        value: root.project.format
         model: [
             { value: "16:9", icon: "format-wide", text: "16:9", tip: qsTr("YouTube · 1920 × 1080") },
             { value: "4:5", icon: "format-portrait", text: "4:5", tip: qsTr("X · 1080 × 1350") },

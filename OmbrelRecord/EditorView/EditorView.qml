@@ -19,7 +19,8 @@ FocusScope {
 
     focus: true
 
-    readonly property string selected: editor.selection.kind
+    readonly property var selection: editor.selection
+    readonly property string selected: selection.kind
     onSelectedChanged: if (selected !== "zoom" && aim === "zoom") aim = ""
     onPanelChanged: if ((aim === "crop" && panel !== "crop") || (aim === "zoom" && panel !== "zoom")) aim = ""
 

@@ -21,7 +21,7 @@ InspectorPanel {
                 title: modelData.name
                 detail: modelData.detail
                 iconName: modelData.icon
-                checked: root.editor.project.format === modelData.value
+                checked: root.project.format === modelData.value
                 onPicked: root.editor.set("format", modelData.value)
             }
         }

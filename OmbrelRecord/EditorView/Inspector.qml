@@ -1,3 +1,5 @@
+// Not bound: a Loader of Qt 6.4 cannot make bound components.
+// qmllint disable unqualified
 import QtQuick
 import OmbrelRecord
 
@@ -21,7 +23,7 @@ FocusScope {
         { name: "cards", icon: "cards", text: qsTr("Cards") },
         { name: "crop", icon: "crop", text: qsTr("Crop") }
     ]
-    readonly property Item current: loader.item
+    readonly property InspectorPanel current: loader.item as InspectorPanel
     readonly property bool busy: current?.busy ?? false
 
     signal aimWanted(string what)

@@ -8,11 +8,11 @@ Item {
     id: root
 
     required property EditorModel editor
+    readonly property var project: editor.project
     required property string title
     /// The fields of the project that the panel sets.
     property var fields: []
     readonly property bool changed: {
-        const project = editor.project;
         const defaults = editor.defaults;
         return fields.some(name => String(project[name]) !== String(defaults[name]));
     }

@@ -1,3 +1,5 @@
+// Not bound: a Loader of Qt 6.4 cannot make bound components.
+// qmllint disable unqualified
 import QtQuick
 import QtQuick.Templates as T
 import OmbrelRecord
@@ -150,7 +152,7 @@ T.AbstractButton {
                 field.leave();
             }
             Keys.onEscapePressed: field.leave()
-            onActiveFocusChanged: if (!activeFocus) Qt.callLater(() => field.active = false)
+            onActiveFocusChanged: if (!activeFocus) away.start()
         }
 
         function leave() {
@@ -162,15 +164,19 @@ T.AbstractButton {
         enabled: root.own
         onTapped: menu.open()
     }
+    // Not from within what the menu or the field is just doing.
+    Timer { id: naming; interval: 0; onTriggered: root.rename() }
+    Timer { id: away; interval: 0; onTriggered: field.active = false }
     Loader {
         id: menu
         function open() {
             active = true;
-            item.popup(root, root.width - item.implicitWidth, root.height);
+            const list = item as Menu;
+            list.popup(root, root.width - list.implicitWidth, root.height);
         }
         active: false
         sourceComponent: Menu {
-            MenuItem { text: qsTr("Rename"); iconName: "pencil"; keys: qsTr("F2"); onTriggered: Qt.callLater(root.rename) }
+            MenuItem { text: qsTr("Rename"); iconName: "pencil"; keys: qsTr("F2"); onTriggered: naming.start() }
             MenuItem { text: qsTr("Replace with the film's look"); iconName: "save"; onTriggered: root.replaceWanted() }
             MenuSeparator {}
             MenuItem {

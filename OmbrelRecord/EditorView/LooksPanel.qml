@@ -9,7 +9,6 @@ InspectorPanel {
 
     title: qsTr("Looks")
 
-    readonly property var project: editor.project
     /// The row of the look that the film has now; asked again whenever the project or the looks change.
     property int current: -1
     readonly property size canvas: ({ "4:5": Qt.size(4, 5), "9:16": Qt.size(9, 16), "1:1": Qt.size(1, 1) })[project.format]

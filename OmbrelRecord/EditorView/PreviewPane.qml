@@ -1,3 +1,5 @@
+// Not bound: a Loader of Qt 6.4 cannot make bound components.
+// qmllint disable unqualified
 import QtQuick
 import OmbrelRecord
 
@@ -9,8 +11,10 @@ Item {
     /// "", "crop" or "zoom".
     property string aim
     readonly property bool aiming: aim.length > 0
-    readonly property var block: editor.selectedBlock.kind === "zoom" ? editor.selectedBlock : null
-    readonly property var crop: editor.project.crop
+    readonly property var project: editor.project
+    readonly property var selected: editor.selectedBlock
+    readonly property var block: selected.kind === "zoom" ? selected : null
+    readonly property var crop: project.crop
     readonly property size base: editor.viewBase
     readonly property bool ready: aiming ? (frame.item?.ready ?? false) : film.ready
 
@@ -32,7 +36,7 @@ Item {
         anchors.margins: Theme.l
         active: root.aiming
         sourceComponent: root.aim === "zoom" ? zoomFrame : cropFrame
-        onLoaded: item.forceActiveFocus()
+        onLoaded: (item as Item).forceActiveFocus()
     }
 
     Component {

@@ -6,7 +6,8 @@ import OmbrelRecord
 InspectorPanel {
     id: root
 
-    readonly property var block: editor.selectedBlock.kind === "speed" ? editor.selectedBlock : null
+    readonly property var selected: editor.selectedBlock
+    readonly property var block: selected.kind === "speed" ? selected : null
 
     title: qsTr("Speed")
     fields: ["skipWaiting", "maxSpeed"]

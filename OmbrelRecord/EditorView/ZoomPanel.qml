@@ -7,7 +7,8 @@ InspectorPanel {
     id: root
 
     property bool aiming: false
-    readonly property var block: editor.selectedBlock.kind === "zoom" ? editor.selectedBlock : null
+    readonly property var selected: editor.selectedBlock
+    readonly property var block: selected.kind === "zoom" ? selected : null
 
     signal aimWanted(bool aim)
 
@@ -26,7 +27,7 @@ InspectorPanel {
             tip: qsTr("How far this zoom goes in")
             from: 1
             to: 4
-            resetValue: root.editor.project.maxZoom
+            resetValue: root.project.maxZoom
             focusPolicy: Qt.TabFocus
             format: value => value.toFixed(2) + "×"
             onPressedChanged: {

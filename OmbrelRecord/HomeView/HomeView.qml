@@ -1,3 +1,5 @@
+// Not bound: a Loader of Qt 6.4 cannot make bound components.
+// qmllint disable unqualified
 import QtQuick
 import QtQuick.Templates as T
 import OmbrelRecord

@@ -32,17 +32,19 @@ Item {
         onChosen: file => root.chosen(root.completed(file))
         onUnavailable: {
             if (own.item)
-                own.item.open();
+                own.item.open(); // qmllint disable type
             else
                 own.setSource("FallbackFileDialog.qml", { picker: root });
         }
     }
     Loader {
         id: own
-        onLoaded: item.open()
+        onLoaded: item.open() // qmllint disable type
     }
     Connections {
         target: own.item
+        // qmllint disable type
         function onAccepted() { root.chosen(root.completed(own.item.selectedFile)); }
+        // qmllint enable type
     }
 }

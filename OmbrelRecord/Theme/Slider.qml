@@ -13,7 +13,7 @@ T.Slider {
     property real resetValue: NaN
     /// Turns a value into its text.
     property var format: function (value) { return Math.round(value * 100) + " %"; }
-    readonly property string valueText: format(value)
+    readonly property string valueText: format(value) // qmllint disable
 
     signal edited(real value)
     signal finished()
@@ -43,7 +43,7 @@ T.Slider {
     // The slider keeps the pointer to itself, so it counts its clicks on its own.
     function released() {
         const now = Date.now();
-        const again = byPointer && now - lastRelease < Qt.styleHints.mouseDoubleClickInterval
+        const again = byPointer && now - lastRelease < Qt.styleHints.mouseDoubleClickInterval // qmllint disable type
             && Math.abs(position - lastPlace) < 0.04;
         lastRelease = now;
         lastPlace = position;
