@@ -30,6 +30,12 @@ void findNameless(QQuickItem& item, std::vector<std::string>& nameless, int& see
         ++seen;
         QAccessibleInterface* face = QAccessible::queryAccessibleInterface(&item);
         if (!face || face->text(QAccessible::Name).trimmed().isEmpty()) nameless.push_back(described(item));
+        // A scope that holds others has none.
+        if (face && face->role() == QAccessible::NoRole && !item.inherits("QQuickFocusScope"))
+            nameless.push_back("without a role: " + described(item));
+        const QString tip = item.property("tip").toString();
+        if (!tip.isEmpty() && tip == item.property("text").toString())
+            nameless.push_back("says it twice: " + described(item));
     }
     for (QQuickItem* child : item.childItems())
         findNameless(*child, nameless, seen);

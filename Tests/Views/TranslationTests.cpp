@@ -1,12 +1,19 @@
 #include "OmbrelRecord/Application/OmbrelRecordApp.h"
+#include "OmbrelRecord/Application/StillLife.h"
+#include "OmbrelRecord/Entry/Backends.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QLocale>
 #include <QtCore/QRegularExpression>
+#include <QtCore/QTemporaryDir>
 #include <QtCore/QXmlStreamReader>
-#include <gtest/gtest.h>
+#include <QtQuick/QQuickItem>
+#include <gmock/gmock.h>
+#include <set>
+#include <string>
+#include <vector>
 
 namespace OmbrelRecord {
 namespace {
@@ -64,6 +71,41 @@ TEST(Translations, FollowTheLanguageOfTheDesktop) {
     EXPECT_EQ(said("LookPresets", "Paper"), QStringLiteral("Papier"));
     OmbrelRecordApp::translate(QLocale::c());
     EXPECT_EQ(said("ExportSheet", "Your film is ready"), QStringLiteral("Your film is ready"));
+}
+
+void findCutOff(QQuickItem& item, const std::string& where, std::set<std::string>& found) {
+    if (!item.isVisible()) return;
+    if (item.inherits("QQuickText") && item.property("truncated").toBool())
+        found.insert(where + ": " + item.property("text").toString().toStdString());
+    for (QQuickItem* child : item.childItems())
+        findCutOff(*child, where, found);
+}
+
+TEST(Translations, FitWhereTheyStand) {
+    if (!QFile::exists(QStringLiteral(":/translations/ombrel-record_de.qm")))
+        GTEST_SKIP() << "built without translations";
+    const QTemporaryDir folder;
+    const auto media = makeMediaBackend();
+    OmbrelRecordApp::translate(QLocale(QLocale::German));
+    std::vector<Snapshot::View> views =
+        StillLife::views(*media, OMBREL_SOURCE_DIR "/OmbrelRecord/Resources/sample/recording.mp4");
+    std::erase_if(views, [](const Snapshot::View& view) {
+        static const std::set<QString> looked{QStringLiteral("home-camera"), QStringLiteral("home-access"),
+                                              QStringLiteral("working"), QStringLiteral("recording"),
+                                              QStringLiteral("discard")};
+        return !looked.contains(view.name);
+    });
+    ASSERT_EQ(views.size(), 5u);
+    std::set<std::string> cutOff;
+    for (Snapshot::View& view : views)
+        view.ready = [&cutOff, ready = view.ready, name = view.name.toStdString()](QQuickItem& item) {
+            if (ready && !ready(item)) return false;
+            findCutOff(item, name, cutOff);
+            return true;
+        };
+    EXPECT_THAT(Snapshot::write(views, folder.path().toStdString()), testing::IsEmpty());
+    EXPECT_THAT(cutOff, testing::IsEmpty());
+    OmbrelRecordApp::translate(QLocale::c());
 }
 
 } // namespace
