@@ -97,6 +97,7 @@ T.Popup {
 
                 Label {
                     id: heading
+                    anchors.left: parent.left
                     anchors.verticalCenter: parent.verticalCenter
                     font: Theme.title
                     text: root.phase === ExportQueue.Idle ? qsTr("Export")
@@ -146,7 +147,7 @@ T.Popup {
                 Column {
                     width: (parent.width - Theme.l) / 2
                     spacing: 6
-                    Label { text: qsTr("Size"); Accessible.ignored: true }
+                    Label { width: parent.width; text: qsTr("Size"); Accessible.ignored: true }
                     SegmentedControl {
                         width: parent.width
                         label: qsTr("Size")
@@ -162,7 +163,7 @@ T.Popup {
                 Column {
                     width: (parent.width - Theme.l) / 2
                     spacing: 6
-                    Label { text: qsTr("Frames a second"); Accessible.ignored: true }
+                    Label { width: parent.width; text: qsTr("Frames a second"); Accessible.ignored: true }
                     SegmentedControl {
                         width: parent.width
                         label: qsTr("Frames a second")

@@ -63,6 +63,7 @@ T.Popup {
                 width: parent.width
                 height: 28
                 Label {
+                    anchors.left: parent.left
                     anchors.verticalCenter: parent.verticalCenter
                     text: qsTr("Keyboard shortcuts")
                     font: Theme.title
@@ -92,6 +93,7 @@ T.Popup {
                         spacing: Theme.s
 
                         Label {
+                            width: parent.width
                             text: group.modelData.title
                             font: Theme.strong
                             color: Theme.accentText
@@ -106,6 +108,7 @@ T.Popup {
 
                                 Row {
                                     id: caps
+                                    anchors.left: parent.left
                                     spacing: 4
                                     anchors.verticalCenter: parent.verticalCenter
                                     Repeater {

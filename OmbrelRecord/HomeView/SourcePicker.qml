@@ -56,6 +56,7 @@ T.Popup {
                 width: parent.width
                 height: 32
                 Label {
+                    anchors.left: parent.left
                     anchors.verticalCenter: parent.verticalCenter
                     text: qsTr("What to record")
                     font: Theme.title
