@@ -111,7 +111,7 @@ Window {
         id: files
         function ask() {
             active = true;
-            item.ask();
+            (item as MovieChooser).ask();
         }
         active: false
         source: "MovieChooser.qml"
@@ -127,7 +127,7 @@ Window {
         property bool agreed: false
         function ask() {
             active = true;
-            item.open();
+            (item as LeaveQuestion).open();
         }
         active: false
         source: "LeaveQuestion.qml"

@@ -405,7 +405,7 @@ FocusScope {
         id: picker
         function show() {
             if (!item) setSource("SourcePicker.qml", { app: root.app });
-            item.open();
+            (item as SourcePicker).open();
         }
     }
     function showPicker() { picker.show(); }

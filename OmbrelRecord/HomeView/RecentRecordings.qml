@@ -55,9 +55,9 @@ Item {
                 radius: Theme.radiusM + 3
             }
         }
-        Keys.onReturnPressed: if (currentItem) currentItem.clicked()
-        Keys.onEnterPressed: if (currentItem) currentItem.clicked()
-        Keys.onDeletePressed: if (currentItem) currentItem.trashWanted()
+        Keys.onReturnPressed: if (currentItem) (currentItem as RecordingCard).clicked()
+        Keys.onEnterPressed: if (currentItem) (currentItem as RecordingCard).clicked()
+        Keys.onDeletePressed: if (currentItem) (currentItem as RecordingCard).trashWanted()
 
         WheelHandler {
             // A wheel that only turns up and down moves the row, too.
