@@ -38,9 +38,9 @@ protected:
         command.insert(command.begin(), "xdotool");
         return ChildProcess::run(std::move(command), {{}, own / "xdotool.log"});
     }
-    void expectOpened() {
+    void expectOpened(const QString& name = QStringLiteral("käse")) {
         EXPECT_TRUE(program->waitForLog("editor: open")) << program->log() << program->said();
-        EXPECT_TRUE(program->windowShown(QStringLiteral("käse — Ombrel Record"))) << program->complaint();
+        EXPECT_TRUE(program->windowShown(name + QStringLiteral(" — Ombrel Record"))) << program->complaint();
     }
 
     TemporaryFolder own;
@@ -70,13 +70,15 @@ TEST_F(FileDialog, IsTheDesktopsOwn) {
     ASSERT_TRUE(eventually(60, [&] {
         return handle({"search", "--onlyvisible", "--name", "^Open a movie$", "windowfocus"}) == 0;
     })) << RecordCore::readFile(own / "bus.log");
-    // A path is typed as it begins: the dialog then shows its field for it.
-    EXPECT_EQ(handle({"type", "--delay", "40", movie.string()}), 0);
+    // A path is typed as it begins: the dialog then shows its field for it. Only what every keyboard has.
+    const fs::path plain = home / "plain.mp4";
+    fs::copy_file(movie, plain);
+    EXPECT_EQ(handle({"type", "--delay", "40", plain.string()}), 0);
     EXPECT_TRUE(eventually(60, [&] {
         handle({"key", "Return"}); // not yet taken while the dialog still looks at the path
         return handle({"search", "--onlyvisible", "--name", "^Open a movie$"}) != 0;
     }));
-    expectOpened();
+    expectOpened(QStringLiteral("plain"));
 }
 
 TEST_F(FileDialog, IsTheProgramsWhereTheDesktopHasNone) {
@@ -103,7 +105,8 @@ TEST_F(FileDialog, IsNotNeededForAFileOnTheCommandLine) {
     fs::copy_file(movie, other);
     Program second(*session, shared, {other.string()});
     EXPECT_TRUE(eventually(60, [&] { return !second.running(); }));
-    EXPECT_TRUE(program->windowShown(QStringLiteral("other — Ombrel Record"))) << program->log();
+    EXPECT_TRUE(eventually(60, [&] { return program->windowShown(QStringLiteral("other — Ombrel Record")); }))
+        << program->log();
 }
 
 } // namespace
