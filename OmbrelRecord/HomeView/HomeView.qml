@@ -88,7 +88,7 @@ FocusScope {
                 iconName: "open"
                 text: qsTr("Open a movie…")
                 tip: qsTr("Make a film of a movie file you have")
-                keys: "Ctrl+O"
+                keys: qsTr("Ctrl O")
                 onClicked: root.app.openFile()
             }
         }

@@ -1137,6 +1137,10 @@
         <source>Recent recordings</source>
         <translation>Letzte Aufnahmen</translation>
     </message>
+    <message>
+        <source>Ctrl O</source>
+        <translation>Strg O</translation>
+    </message>
 </context>
 <context>
     <name>HowItWorks</name>
