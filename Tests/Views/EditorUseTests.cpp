@@ -2,6 +2,7 @@
 #include "OmbrelRecord/EditorModel/ExportQueue.h"
 #include "OmbrelRecord/EditorModel/TimelineController.h"
 #include "RecordCore/Export/Exporter.h"
+#include "RecordCore/Model/RecordingError.h"
 #include "Tests/Views/EditorFixture.h"
 
 #include <QtCore/QElapsedTimer>
@@ -14,6 +15,7 @@
 #include <QtQuick/QQuickItem>
 #include <QtQuick/QQuickWindow>
 #include <functional>
+#include <future>
 #include <gmock/gmock.h>
 
 namespace OmbrelRecord {
@@ -32,6 +34,7 @@ protected:
         plain.save(RecordingFiles{fixture.folder()}.project());
         fixture.parts().exportFilm = [this](const ExportJob& job, const auto& progress,
                                             const std::atomic<bool>& cancel) {
+            if (beforeExport) beforeExport();
             Exporter::Hooks hooks;
             hooks.progress = progress;
             hooks.cancel = &cancel;
@@ -155,6 +158,7 @@ protected:
         return false;
     }
 
+    std::function<void()> beforeExport; ///< called on the export's thread
     EditorFixture fixture;
     QQmlEngine engine;
     std::unique_ptr<QObject> object;
@@ -304,6 +308,32 @@ TEST_F(EditorUse, EveryInteractiveItemHasANameAndATip) {
     QMetaObject::invokeMethod(view->property("exportSheet").value<QObject*>(), "open");
     until([&] { return shown(QStringLiteral("exportNow")) != nullptr; });
     check("export");
+
+    using State = EditorModel::ExportState;
+    const auto press = [&](const QString& name) {
+        ASSERT_TRUE(until([&] { return shown(name) != nullptr; })) << name.toStdString();
+        QMetaObject::invokeMethod(shown(name), "clicked");
+    };
+    std::promise<void> gate;
+    beforeExport = [waits = gate.get_future().share()] { waits.wait(); };
+    ASSERT_NO_FATAL_FAILURE(press(QStringLiteral("exportNow")));
+    EXPECT_TRUE(until([&] { return model().exportState() == State::working; }));
+    turn();
+    check("exporting");
+    gate.set_value();
+    EXPECT_TRUE(until([&] { return model().exportState() == State::done; }));
+    turn();
+    check("exported");
+    beforeExport = [] { throw RecordingError("film.mp4: no space left on device"); };
+    ASSERT_NO_FATAL_FAILURE(press(QStringLiteral("Export more")));
+    ASSERT_NO_FATAL_FAILURE(press(QStringLiteral("exportNow")));
+    EXPECT_TRUE(until([&] { return model().exportState() == State::failed; }));
+    turn();
+    check("a failed export");
+    QMetaObject::invokeMethod(view->property("exportSheet").value<QObject*>(), "close");
+    QMetaObject::invokeMethod(view->property("shortcutsSheet").value<QObject*>(), "open");
+    turn();
+    check("the sheet of keys");
     EXPECT_GT(seen, 300);
     EXPECT_GT(told, 250);
 }
