@@ -9,7 +9,7 @@ std::vector<ActivitySample> loadActivity(const std::filesystem::path& file) {
     const std::string text = readFile(file);
     try {
         std::vector<ActivitySample> samples;
-        JsonReading::decode(parseJson(text), samples);
+        if (!parseJson(text, {{"", appendTo(samples)}}).is_array()) throw RecordingError("is not a list");
         return samples;
     } catch (const RecordingError& error) {
         throw RecordingError(fmt::format("{}: {}", file.string(), error.what()));
@@ -17,7 +17,7 @@ std::vector<ActivitySample> loadActivity(const std::filesystem::path& file) {
 }
 
 void saveActivity(const std::vector<ActivitySample>& samples, const std::filesystem::path& file) {
-    saveJson(JsonWriting::encode(samples), file);
+    writeFileAtomically(file, finiteListText(samples, file));
 }
 
 } // namespace RecordCore

@@ -7,31 +7,14 @@
 
 namespace RecordCore {
 
-namespace {
-
-const char* kindName(InputLog::Event::Kind kind) {
-    switch (kind) {
-    case InputLog::Event::Kind::click:
-        return "click";
-    case InputLog::Event::Kind::rightClick:
-        return "rightClick";
-    case InputLog::Event::Kind::key:
-        return "key";
-    case InputLog::Event::Kind::scroll:
-        return "scroll";
-    }
-    return "key";
-}
-
-} // namespace
-
 InputLog InputLog::load(const std::filesystem::path& file) {
     const std::string text = readFile(file);
     try {
-        const Json object = parseJson(text);
         InputLog log;
-        JsonReading::required(object, "cursor", log.cursor);
-        JsonReading::required(object, "events", log.events);
+        const Json object =
+            parseJson(text, {{"cursor", appendTo(log.cursor)}, {"events", appendTo(log.events)}});
+        JsonReading::requiredList(object, "cursor");
+        JsonReading::requiredList(object, "events");
         JsonReading::optional(object, "keysTracked", log.keysTracked);
         JsonReading::optional(object, "cursorInVideo", log.cursorInVideo);
         JsonReading::optional(object, "cameraOffset", log.cameraOffset);
@@ -42,24 +25,14 @@ InputLog InputLog::load(const std::filesystem::path& file) {
 }
 
 void InputLog::save(const std::filesystem::path& file) const {
-    // One position after the other: an hour has 200,000 of them, and as one tree they would take 100 MB.
-    std::string text = R"({"cursor":[)";
-    for (const CursorSample& sample : cursor) {
-        if (&sample != &cursor.front()) text += ',';
-        text += finiteJsonText({{"t", sample.t}, {"x", sample.x}, {"y", sample.y}}, file);
-    }
-    Json object;
-    Json& list = object["events"] = Json::array();
-    for (const Event& event : events) {
-        Json entry{{"t", event.t}, {"kind", kindName(event.kind)}};
-        JsonWriting::put(entry, "x", event.x);
-        JsonWriting::put(entry, "y", event.y);
-        list.push_back(std::move(entry));
-    }
-    JsonWriting::put(object, "keysTracked", keysTracked);
-    JsonWriting::put(object, "cursorInVideo", cursorInVideo);
-    JsonWriting::put(object, "cameraOffset", cameraOffset);
-    writeFileAtomically(file, text + "]," + finiteJsonText(object, file).substr(1));
+    Json flags = Json::object();
+    JsonWriting::put(flags, "keysTracked", keysTracked);
+    JsonWriting::put(flags, "cursorInVideo", cursorInVideo);
+    JsonWriting::put(flags, "cameraOffset", cameraOffset);
+    std::string text = fmt::format(R"({{"cursor":{},"events":{})", finiteListText(cursor, file),
+                                   finiteListText(events, file));
+    if (!flags.empty()) text += ',';
+    writeFileAtomically(file, text + finiteJsonText(flags, file).substr(1));
 }
 
 bool InputLog::userActive(double from, double to, double moveThreshold) const {

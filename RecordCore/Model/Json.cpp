@@ -20,6 +20,20 @@ void requireFinite(const Json& value) {
     }
 }
 
+const char* kindName(InputLog::Event::Kind kind) {
+    switch (kind) {
+    case InputLog::Event::Kind::click:
+        return "click";
+    case InputLog::Event::Kind::rightClick:
+        return "rightClick";
+    case InputLog::Event::Kind::key:
+        return "key";
+    case InputLog::Event::Kind::scroll:
+        return "scroll";
+    }
+    return "key";
+}
+
 } // namespace
 
 namespace JsonReading {
@@ -141,11 +155,51 @@ Json encode(const ActivitySample& sample) {
     return object;
 }
 
+Json encode(const InputLog::CursorSample& sample) {
+    return {{"t", sample.t}, {"x", sample.x}, {"y", sample.y}};
+}
+
+Json encode(const InputLog::Event& event) {
+    Json object{{"t", event.t}, {"kind", kindName(event.kind)}};
+    put(object, "x", event.x);
+    put(object, "y", event.y);
+    return object;
+}
+
 } // namespace JsonWriting
 
 Json parseJson(const std::string& text) {
+    return parseJson(text, {});
+}
+
+Json parseJson(const std::string& text, const std::map<std::string, ElementReader>& lists) {
+    const ElementReader* reader = nullptr; // of the list that is being parsed
+    std::string key;
+    int elementDepth = 0;
+    if (const auto outermost = lists.find(""); outermost != lists.end()) {
+        reader = &outermost->second;
+        elementDepth = 1;
+    }
+    const auto keep = [&](int depth, Json::parse_event_t event, const Json& parsed) {
+        if (event == Json::parse_event_t::key && depth == 1) {
+            key = parsed.get<std::string>();
+            const auto found = lists.find(key);
+            reader = found != lists.end() ? &found->second : nullptr;
+            elementDepth = 2;
+        }
+        const bool complete = event == Json::parse_event_t::object_end ||
+                              event == Json::parse_event_t::array_end || event == Json::parse_event_t::value;
+        if (!reader || !complete || depth != elementDepth) return true;
+        try {
+            (*reader)(parsed);
+        } catch (const RecordingError& error) {
+            if (key.empty()) throw;
+            throw RecordingError(fmt::format("\"{}\" {}", key, error.what()));
+        }
+        return false;
+    };
     try {
-        return Json::parse(text);
+        return lists.empty() ? Json::parse(text) : Json::parse(text, keep);
     } catch (const nlohmann::json::parse_error& error) {
         throw RecordingError(fmt::format("is not valid JSON (at byte {})", error.byte));
     } catch (const nlohmann::json::exception&) {

@@ -15,6 +15,8 @@
 
 #include <cmath>
 #include <filesystem>
+#include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -65,16 +67,27 @@ void decode(const Json& value, std::vector<T>& out) {
     }
 }
 
-template <typename T>
-void required(const Json& object, const char* key, T& out) {
+/// The value of a key that must be there.
+inline const Json& member(const Json& object, const char* key) {
     if (!object.is_object()) throw RecordingError("is not an object");
     const auto found = object.find(key);
     if (found == object.end()) throw RecordingError(fmt::format("has no \"{}\"", key));
+    return *found;
+}
+
+template <typename T>
+void required(const Json& object, const char* key, T& out) {
+    const Json& value = member(object, key);
     try {
-        decode(*found, out);
+        decode(value, out);
     } catch (const RecordingError& error) {
         throw RecordingError(fmt::format("\"{}\" {}", key, error.what()));
     }
+}
+
+/// For a list whose elements have been read already.
+inline void requiredList(const Json& object, const char* key) {
+    if (!member(object, key).is_array()) throw RecordingError(fmt::format("\"{}\" is not a list", key));
 }
 
 /// An absent key and null both mean absent.
@@ -104,6 +117,8 @@ Json encode(const SpeedBlock& block);
 Json encode(const ZoomBlock& block);
 Json encode(const CaptionWord& word);
 Json encode(const ActivitySample& sample);
+Json encode(const InputLog::CursorSample& sample);
+Json encode(const InputLog::Event& event);
 inline Json encode(double value) {
     return value;
 }
@@ -132,12 +147,41 @@ void put(Json& object, const char* key, const std::optional<T>& value) {
 /// Parses a text as JSON; throws RecordingError with the place of the fault.
 Json parseJson(const std::string& text);
 
+/// Takes one element of a long list after the other.
+using ElementReader = std::function<void(const Json& element)>;
+
+/// The same, but the named lists of the outermost object, or the outermost list for the name "", are read
+/// element by element and stay empty in what is returned: an hour has hundreds of thousands of positions, and
+/// as one tree they would take 200 MB.
+Json parseJson(const std::string& text, const std::map<std::string, ElementReader>& lists);
+
+/// Reads the elements of a list to the end of `out`.
+template <typename T>
+ElementReader appendTo(std::vector<T>& out) {
+    return [&out](const Json& element) {
+        T decoded{};
+        JsonReading::decode(element, decoded);
+        out.push_back(std::move(decoded));
+    };
+}
+
 /// The text of a JSON value; bytes that are not UTF-8 are replaced. `indent` as in the library (−1: compact).
 std::string jsonText(const Json& value, int indent = -1);
 
 /// The same for a value that is to stand in `file`. Throws RecordingError that names the file for a number
 /// that is not finite: JSON has no way to write it, and the file could not be read back.
 std::string finiteJsonText(const Json& value, const std::filesystem::path& file, int indent = -1);
+
+/// The text of a list that is too long for a tree.
+template <typename T>
+std::string finiteListText(const std::vector<T>& values, const std::filesystem::path& file) {
+    std::string text = "[";
+    for (const T& value : values) {
+        if (&value != &values.front()) text += ',';
+        text += finiteJsonText(JsonWriting::encode(value), file);
+    }
+    return text + ']';
+}
 
 /// Writes a JSON value to `file`, atomically, with a line break at the end when it is indented. Throws
 /// RecordingError that names the file, also for a number that is not finite.
