@@ -11,6 +11,8 @@
 #include <optional>
 #include <string_view>
 
+#include <malloc.h>
+
 namespace OmbrelRecord::Entry {
 
 namespace {
@@ -32,9 +34,14 @@ private:
     char** end;
 };
 
+/// From this size on a block is the system's again as soon as it is freed. Left alone, the library raises this
+/// bound with every larger block that is freed, and what was needed to load an hour stays for the whole export.
+constexpr int returnedAtOnce = 1 << 20; // bytes
+
 } // namespace
 
 int main(int argc, char** argv) {
+    mallopt(M_MMAP_THRESHOLD, returnedAtOnce);
     const Arguments arguments(argc, argv);
     if (constexpr auto name = "--selftest"; arguments.after(name) >= 1)
         return headless(argc, argv, [&] {
