@@ -27,8 +27,9 @@ bool present(const std::filesystem::path& file) {
 }
 
 /// Recognition takes minutes: what can only fail afterwards is tried beforehand.
-void requireFolder(const std::optional<std::filesystem::path>& output) {
+void prepareOutput(std::optional<std::filesystem::path>& output, const RecordingFiles& files) {
     if (!output) return;
+    output = outputFile(files, *output);
     const std::filesystem::path folder = output->has_parent_path() ? output->parent_path() : ".";
     if (!std::filesystem::is_directory(folder))
         throw RecordingError(fmt::format("{}: no such folder", folder.string()));
@@ -81,8 +82,10 @@ void run(const Captions& options, const MediaBackend& media) {
     const RecordingFiles files{options.folder};
     if (!present(files.video()))
         throw RecordingError(fmt::format("{}: there is no recording here", files.video().string()));
-    requireFolder(options.srt);
-    requireFolder(options.vtt);
+    std::optional<std::filesystem::path> srt = options.srt;
+    std::optional<std::filesystem::path> vtt = options.vtt;
+    prepareOutput(srt, files);
+    prepareOutput(vtt, files);
 
     std::vector<CaptionWord> words = recognise(options, files, media);
     if (words.empty()) throw RecordingError(Transcriber::noSpeech);
@@ -90,12 +93,12 @@ void run(const Captions& options, const MediaBackend& media) {
     store(std::move(words), files);
     fmt::print("{}: {} words\n", files.project().string(), count);
 
-    if (!options.srt && !options.vtt) return;
+    if (!srt && !vtt) return;
     const LoadedRecording recording = loadForCommand(options.folder, std::nullopt, media);
     const RecordCore::Plan plan = recording.plan();
     const std::vector<CaptionLayout::Line> lines = CaptionFile::lines(recording.project, &plan);
-    for (const auto& [file, format] : {std::pair(options.srt, CaptionFile::Format::srt),
-                                       std::pair(options.vtt, CaptionFile::Format::vtt)}) {
+    for (const auto& [file, format] :
+         {std::pair(srt, CaptionFile::Format::srt), std::pair(vtt, CaptionFile::Format::vtt)}) {
         if (!file) continue;
         CaptionFile::write(CaptionFile::text(lines, format), *file);
         fmt::print("{}: {} captions\n", file->string(), lines.size());

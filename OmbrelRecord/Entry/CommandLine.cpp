@@ -14,7 +14,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -29,6 +32,26 @@ using RecordCore::MediaBackend;
 
 const CLI::Validator formatNames = CLI::IsMember({"16:9", "4:5", "9:16", "1:1"});
 
+/// CLI's own range lets through what is no number at all.
+CLI::Validator numberIn(double low, double high) {
+    const CLI::Range range(low, high);
+    return {[range](std::string& text) {
+                double value = 0;
+                if (CLI::detail::lexical_cast(text, value) && std::isnan(value))
+                    return text + " is no number";
+                return range(text);
+            },
+            range.get_description()};
+}
+
+/// What was printed may still be on its way; whoever reads it has to know when it did not arrive.
+void flushOutput() {
+    errno = 0;
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return;
+    throw RecordCore::RecordingError(
+        fmt::format("standard output: cannot be written: {}", std::strerror(errno != 0 ? errno : EIO)));
+}
+
 void addFolder(CLI::App& verb, std::filesystem::path& folder) {
     verb.add_option("FOLDER", folder, "Folder of the recording")->required();
 }
@@ -41,8 +64,8 @@ void addPicture(CLI::App& verb, std::optional<std::string>& format, double& scal
     verb.add_option("--format", format, "Shape of the film (the project's when not given)")
         ->check(formatNames);
     verb.add_option("--scale", scale, "Factor on the canvas size; 2 makes a 4K film")
-        ->check(CLI::Range(0.1, 4.0));
-    verb.add_option("--fps", fps, "Frames per second")->check(CLI::Range(1.0, 240.0));
+        ->check(numberIn(0.1, 4.0));
+    verb.add_option("--fps", fps, "Frames per second")->check(numberIn(1.0, 240.0));
 }
 
 } // namespace
@@ -63,7 +86,7 @@ std::optional<int> run(int argc, char** argv) {
                                                  "Display: its id or its place in `sources`, from 1");
     recordVerb.add_option("--window", record.window, "Id of a window in `sources`")->excludes(display);
     recordVerb.add_option("--seconds", record.seconds, "Stop by itself after this time")
-        ->check(CLI::Range(0.1, 86400.0));
+        ->check(numberIn(0.1, 86400.0));
     recordVerb.add_option("--fps", record.fps, "Most frames per second")->check(CLI::Range(1, 240));
     recordVerb.add_flag("--system-sound", record.systemSound, "Record what the computer plays");
     CLI::Option* microphone =
@@ -92,13 +115,15 @@ std::optional<int> run(int argc, char** argv) {
     CLI::App& planVerb = *app.add_subcommand("plan", "Print the plan of the film as JSON");
     addFolder(planVerb, plan.folder);
     planVerb.add_option("--frames", plan.frames, "Also print the state of every frame at this rate")
-        ->check(CLI::Range(1.0, 240.0));
+        ->check(numberIn(1.0, 240.0));
     planVerb.callback([&] { Commands::run(plan, *backend()); });
 
     Commands::Still still;
     CLI::App& stillVerb = *app.add_subcommand("still", "Draw one frame of the film");
     addFolder(stillVerb, still.folder);
-    stillVerb.add_option("--at", still.at, "Time in the film, in seconds")->required();
+    stillVerb.add_option("--at", still.at, "Time in the film, in seconds")
+        ->required()
+        ->check(numberIn(-1e9, 1e9));
     addPicture(stillVerb, still.format, still.scale, still.fps);
     stillVerb.add_flag("--camera", still.camera, "Show the camera bubble");
     addOutput(stillVerb, still.output, "PNG file to write");
@@ -143,6 +168,7 @@ std::optional<int> run(int argc, char** argv) {
 
     try {
         app.parse(argc, argv);
+        flushOutput();
         return 0;
     } catch (const CLI::ParseError& error) {
         return app.exit(error, std::cout, std::cerr) == 0 ? 0 : 2;

@@ -15,6 +15,7 @@ namespace OmbrelRecord::Commands {
 using namespace RecordCore;
 
 void run(const Export& options, const MediaBackend& media) {
+    const std::filesystem::path output = outputFile({options.folder}, options.output);
     LoadedRecording recording = loadForCommand(options.folder, options.format, media);
     const RecordCore::Plan plan = recording.plan();
 
@@ -35,15 +36,12 @@ void run(const Export& options, const MediaBackend& media) {
         Exporter::Hooks hooks;
         hooks.progress = [&](double share) { bar.update(share); };
         hooks.cancel = &interrupt.requested();
-        stats = Exporter::run(media, recording.files.video(), plan, exportOptions, options.output, hooks);
+        stats = Exporter::run(media, recording.files.video(), plan, exportOptions, output, hooks);
     }
     if (options.json) {
-        const Json object{{"file", options.output.string()},
-                          {"frames", stats.frames},
-                          {"repeated", stats.repeated},
-                          {"outputSeconds", stats.outputSeconds},
-                          {"wallSeconds", stats.wallSeconds},
-                          {"encoder", stats.encoder},
+        const Json object{{"file", options.output.string()},  {"frames", stats.frames},
+                          {"repeated", stats.repeated},       {"outputSeconds", stats.outputSeconds},
+                          {"wallSeconds", stats.wallSeconds}, {"encoder", stats.encoder},
                           {"hardware", stats.hardware}};
         fmt::print("{}\n", jsonText(object));
     } else {

@@ -14,6 +14,7 @@ namespace OmbrelRecord::Commands {
 using namespace RecordCore;
 
 void run(const Still& options, const MediaBackend& media) {
+    const std::filesystem::path output = outputFile({options.folder}, options.output);
     const LoadedRecording recording = loadForCommand(options.folder, options.format, media);
     const RecordCore::Plan plan = recording.plan();
     requireFilm(plan, options.fps);
@@ -33,7 +34,7 @@ void run(const Still& options, const MediaBackend& media) {
     const double index = std::clamp(wanted, 0.0, static_cast<double>(scene.frameCount() - 1));
     const Picture& picture =
         composeFrame(scene, canvas, frames, camera ? &*camera : nullptr, index / options.fps);
-    writePng(options.output, RgbImage::of(picture.view()));
+    writePng(output, RgbImage::of(picture.view()));
 }
 
 } // namespace OmbrelRecord::Commands

@@ -11,6 +11,7 @@
 #include <sstream>
 #include <string>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -171,6 +172,42 @@ TEST_F(Commands, anOldFilmSurvivesAFailedExport) {
               1);
 }
 
+TEST_F(Commands, whatBelongsToTheRecordingIsNeverWrittenOver) {
+    with("project.json", "{}");
+    fs::create_hard_link(recording / "recording.mp4", folder / "second name.mp4");
+    fs::create_symlink(recording / "recording.mp4", folder / "link.mp4");
+    ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+    const std::string movie = contents(recording / "recording.mp4");
+    for (const char* verb : {"still --at 0", "export"})
+        for (const fs::path& output :
+             {recording / "recording.mp4", recording / "../recording/input.json", recording / "camera.mp4",
+              recording / "project.json", folder / "second name.mp4", folder / "link.mp4", folder / "pipe"}) {
+            const Outcome outcome = program(verb + (" " + quoted(recording)) + " -o " + quoted(output));
+            EXPECT_EQ(outcome.status, 1) << verb << output;
+            EXPECT_NE(outcome.err.find(output.string()), std::string::npos) << outcome.err;
+        }
+    EXPECT_EQ(contents(recording / "recording.mp4"), movie);
+    EXPECT_FALSE(fs::exists(recording / "camera.mp4"));
+    EXPECT_TRUE(fs::is_fifo(folder / "pipe"));
+
+    // A link elsewhere is written through.
+    write(film, "old");
+    fs::create_symlink("film.mp4", folder / "latest.mp4");
+    EXPECT_EQ(program("still " + quoted(recording) + " --at 0 -o " + quoted(folder / "latest.mp4")).status,
+              0);
+    EXPECT_TRUE(fs::is_symlink(folder / "latest.mp4"));
+    EXPECT_NE(contents(film), "old");
+}
+
+TEST_F(Commands, outputThatDoesNotArriveIsAnError) {
+    for (const std::string& arguments : {"plan " + quoted(recording), "plan --frames 60 " + quoted(recording),
+                                         "export --json " + quoted(recording) + " -o " + quoted(film)}) {
+        const Outcome outcome = program(arguments + " >/dev/full");
+        EXPECT_EQ(outcome.status, 1) << arguments;
+        EXPECT_NE(outcome.err.find("standard output"), std::string::npos) << outcome.err;
+    }
+}
+
 TEST_F(Commands, brokenSideFilesAreDoneWithout) {
     with("project.json", "{\"format\": 7}");
     with("activity.json", "[{]");
@@ -295,7 +332,8 @@ TEST_F(Commands, whatAVerbDoesNotNeedIsNotLoaded) {
 
 TEST_F(Commands, wrongUsageIsTold) {
     for (const char* arguments : {"export", "still x", "plan", "export x -o y --format 3:2",
-                                  "export x -o y --fps 0", "plan x --frames many"}) {
+                                  "export x -o y --fps 0", "plan x --frames many", "plan x --frames nan",
+                                  "still x -o y --at nan", "export x -o y --scale nan"}) {
         const Outcome outcome = program(arguments);
         EXPECT_EQ(outcome.status, 2) << arguments;
         EXPECT_NE(outcome.err, "") << arguments;
