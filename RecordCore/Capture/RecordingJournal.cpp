@@ -1,6 +1,5 @@
 #include "RecordCore/Capture/RecordingJournal.h"
 
-#include "RecordCore/Model/AtomicFile.h"
 #include "RecordCore/Model/RecordingError.h"
 
 #include <fmt/format.h>
@@ -11,6 +10,7 @@
 #include <cerrno>
 #include <charconv>
 #include <cstring>
+#include <fstream>
 #include <string_view>
 
 namespace RecordCore {
@@ -186,13 +186,20 @@ void RecordingJournal::remove() {
 }
 
 JournalContents JournalContents::read(const std::filesystem::path& file) {
-    const std::string text = readFile(file);
+    // Line by line: after hours of a busy screen it is larger than anything else that is read as a whole.
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(file, error))
+        throw RecordingError(fmt::format("{}: cannot be read: {}", file.string(),
+                                         error ? error.message() : "not a plain file"));
+    errno = 0;
+    std::ifstream stream(file, std::ios::binary);
     JournalContents contents;
-    std::string_view rest = text;
-    for (std::size_t end = rest.find('\n'); end != std::string_view::npos; end = rest.find('\n')) {
-        readLine(rest.substr(0, end), contents);
-        rest.remove_prefix(end + 1);
-    }
+    std::string line;
+    while (std::getline(stream, line) && !stream.eof()) // the last line may be unfinished
+        readLine(line, contents);
+    if (!stream.eof())
+        throw RecordingError(
+            fmt::format("{}: cannot be read: {}", file.string(), std::strerror(errno != 0 ? errno : EIO)));
     return contents;
 }
 
