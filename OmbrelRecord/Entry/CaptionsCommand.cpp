@@ -4,6 +4,7 @@
 #include "OmbrelRecord/Entry/Loading.h"
 #include "OmbrelRecord/Entry/ProgressBar.h"
 #include "OmbrelRecord/Entry/SpeechBackends.h"
+#include "OmbrelRecord/Entry/Tell.h"
 #include "OmbrelRecord/Transcriber/CaptionFile.h"
 #include "OmbrelRecord/Transcriber/Transcriber.h"
 #include "RecordCore/Model/AtomicFile.h"
@@ -67,8 +68,7 @@ void store(std::vector<CaptionWord> words, const RecordingFiles& files) {
     std::optional<Project> project = Project::load(files.project(), &problem);
     if (!project && present(files.project())) {
         const std::filesystem::path kept = keepBeside(files.project());
-        fmt::print(stderr, "ombrel-record: {}; kept as {}, starting from the default project\n", problem,
-                   kept.filename().string());
+        tell("{}; kept as {}, starting from the default project", problem, kept.filename().string());
     }
     if (!project) project.emplace();
     project->captions = std::move(words);

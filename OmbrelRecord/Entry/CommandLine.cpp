@@ -7,6 +7,7 @@
 #include "OmbrelRecord/Entry/Interrupt.h"
 #include "OmbrelRecord/Entry/RecordCommand.h"
 #include "OmbrelRecord/Entry/SourcesCommand.h"
+#include "OmbrelRecord/Entry/Tell.h"
 #include "RecordCore/Model/OutputFormat.h"
 #include "RecordCore/Model/RecordingError.h"
 
@@ -160,9 +161,7 @@ std::optional<int> run(int argc, char** argv) {
         std::error_code ignored;
         if (const fs::path named = file(argc, argv); named.empty() || fs::exists(named, ignored))
             return std::nullopt;
-        fmt::print(stderr,
-                   "ombrel-record: there is no verb or file \"{}\"; ombrel-record --help lists the verbs\n",
-                   first);
+        tell("there is no verb or file \"{}\"; ombrel-record --help lists the verbs", first);
         return 2;
     }
 
@@ -173,11 +172,11 @@ std::optional<int> run(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
         return app.exit(error, std::cout, std::cerr) == 0 ? 0 : 2;
     } catch (const RecordCore::RecordingError& error) {
-        fmt::print(stderr, "ombrel-record: {}\n", error.what());
+        tell("{}", error.what());
     } catch (const std::bad_alloc&) {
-        fmt::print(stderr, "ombrel-record: there is not enough memory for this\n");
+        tell("there is not enough memory for this");
     } catch (const std::exception& error) {
-        fmt::print(stderr, "ombrel-record: {}\n", error.what());
+        tell("{}", error.what());
     }
     return 1;
 }

@@ -4,6 +4,7 @@
 #include "OmbrelRecord/Entry/Backends.h"
 #include "OmbrelRecord/Entry/FilmTake.h"
 #include "OmbrelRecord/Entry/Jobs.h"
+#include "OmbrelRecord/Entry/Tell.h"
 #include "RecordCore/Model/RecordingError.h"
 #include "RecordCore/Rendering/Wallpapers.h"
 
@@ -426,7 +427,7 @@ void Jobs::film(const fs::path& folder, const fs::path& video, const std::option
         studio.emplace(folder, video, log);
     } catch (const std::exception& error) {
         say("the recording didn't load");
-        fmt::print(stderr, "ombrel-record: {}\n", error.what());
+        tell("{}", error.what());
         return;
     }
     try {

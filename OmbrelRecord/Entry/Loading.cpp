@@ -1,6 +1,7 @@
 #include "OmbrelRecord/Entry/Loading.h"
 
 #include "OmbrelRecord/Entry/ProgressBar.h"
+#include "OmbrelRecord/Entry/Tell.h"
 #include "RecordCore/Capture/RecordingRecovery.h"
 #include "RecordCore/Model/RecordingError.h"
 
@@ -16,15 +17,14 @@ namespace fs = std::filesystem;
 
 LoadedRecording loadForCommand(const std::filesystem::path& folder, const std::optional<std::string>& format,
                                const MediaBackend& media) {
-    recoverRecording(folder, media,
-                     [](const std::string& line) { fmt::print(stderr, "ombrel-record: {}\n", line); });
+    recoverRecording(folder, media, [](const std::string& line) { tell("{}", line); });
     std::optional<LoadedRecording> recording;
     {
         ProgressBar bar("Watching the recording");
         recording = LoadedRecording::load(media, folder, [&](double share) { bar.update(share); });
     }
     for (const std::string& note : recording->notes)
-        fmt::print(stderr, "ombrel-record: {}\n", note);
+        tell("{}", note);
     if (format) recording->project.format = *format;
     return std::move(*recording);
 }

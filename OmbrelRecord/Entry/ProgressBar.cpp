@@ -1,5 +1,6 @@
 #include "OmbrelRecord/Entry/ProgressBar.h"
 
+#include "OmbrelRecord/Entry/Tell.h"
 #include "RecordCore/Model/Clock.h"
 
 #include <fmt/format.h>
@@ -21,7 +22,7 @@ ProgressBar::ProgressBar(std::string title) :
 }
 
 ProgressBar::~ProgressBar() {
-    if (shown) fmt::print(stderr, "\r\x1b[K");
+    if (shown) tellAsIs("\r\x1b[K");
 }
 
 void ProgressBar::update(double share) {
@@ -40,8 +41,7 @@ void ProgressBar::update(double share) {
     std::string left;
     if (share > 0.02 && elapsed > 1)
         left = fmt::format(", {} left", RecordCore::clock(elapsed / share * (1 - share) + 0.5));
-    fmt::print(stderr, "\r\x1b[K{} {} {:3.0f} %{}", title, bar, share * 100, left);
-    std::fflush(stderr);
+    tellAsIs("\r\x1b[K{} {} {:3.0f} %{}", title, bar, share * 100, left);
 }
 
 } // namespace OmbrelRecord

@@ -1,5 +1,6 @@
 #include "OmbrelRecord/Entry/RecordCommand.h"
 
+#include "OmbrelRecord/Entry/Tell.h"
 #include "RecordCore/Capture/WindowList.h"
 #include "RecordCore/Model/Clock.h"
 #include "RecordCore/Model/RecordingError.h"
@@ -58,14 +59,13 @@ public:
             if (seconds && elapsed >= *seconds) break;
             if (terminal && static_cast<std::int64_t>(elapsed) != shown) {
                 shown = static_cast<std::int64_t>(elapsed);
-                fmt::print(stderr, "\rrecording {}  (Ctrl-C ends it) ", clock(elapsed));
-                std::fflush(stderr);
+                tellAsIs("\rrecording {}  (Ctrl-C ends it) ", clock(elapsed));
             }
             // A signal handler can wake nobody: it is asked for instead.
             const double nap = seconds ? std::clamp(*seconds - elapsed, 0.001, 0.1) : 0.1;
             changed.wait_for(lock, duration<double>(nap));
         }
-        if (terminal) fmt::print(stderr, "\n");
+        if (terminal) tellAsIs("\n");
         return cause;
     }
 
@@ -90,14 +90,13 @@ void run(const Record& options, const MediaBackend& media, const CaptureServices
         services.screen->activate(window->id);
 
     Ending ending;
-    RecordingSession session(options.folder, setup, services.session(media, [](const std::string& line) {
-        fmt::print(stderr, "ombrel-record: {}\n", line);
-    }));
+    RecordingSession session(options.folder, setup,
+                             services.session(media, [](const std::string& line) { tell("{}", line); }));
     session.onStop = [&ending](const std::string& message) { ending.byItself(message); };
     session.start();
     std::string told;
     const auto tellProblem = [&] {
-        if (session.problem() != told) fmt::print(stderr, "ombrel-record: {}\n", session.problem());
+        if (session.problem() != told) tell("{}", session.problem());
         told = session.problem();
     };
     tellProblem();

@@ -1,5 +1,6 @@
 #include "OmbrelRecord/Entry/SelfTest.h"
 
+#include "OmbrelRecord/Entry/Tell.h"
 #include "RecordCore/Capture/InputRecorder.h"
 #include "RecordCore/Capture/ScreenRecorder.h"
 #include "RecordCore/Capture/WindowList.h"
@@ -38,7 +39,7 @@ public:
             std::filesystem::create_directories(folder);
             writeFileAtomically(folder / "report.txt", text);
         } catch (const std::exception& error) {
-            fmt::print(stderr, "ombrel-record: {}\n", error.what());
+            tell("{}", error.what());
         }
     }
 
@@ -111,8 +112,7 @@ void tryEverything(const std::filesystem::path& folder, bool window, const Displ
     setup.microphone = !sound.microphones.empty();
 
     const RecordingFiles files{folder};
-    const auto parts =
-        services.session(media, [](const std::string& line) { fmt::print(stderr, "{}\n", line); });
+    const auto parts = services.session(media, [](const std::string& line) { tellAsIs("{}\n", line); });
     ScreenRecorder recorder(setup, parts.screen);
     recorder.start(files.video());
     InputRecorder input(

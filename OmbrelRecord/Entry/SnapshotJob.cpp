@@ -4,6 +4,7 @@
 #include "OmbrelRecord/EditorView/EditorSnapshots.h"
 #include "OmbrelRecord/Entry/AppSession.h"
 #include "OmbrelRecord/Entry/Jobs.h"
+#include "OmbrelRecord/Entry/Tell.h"
 #include "RecordCore/Model/RecordingFiles.h"
 
 #include <QtCore/QTemporaryDir>
@@ -61,9 +62,9 @@ void Jobs::snapshot(const fs::path& folder, const fs::path& video) {
                                        [&](const Snapshot::View& view) { return !view.name.contains(only); }),
                         views.end());
         for (const std::string& problem : Snapshot::write(views, folder))
-            fmt::print(stderr, "ombrel-record: {}\n", problem);
+            tell("{}", problem);
     } catch (const std::exception& error) {
-        fmt::print(stderr, "ombrel-record: {}\n", error.what());
+        tell("{}", error.what());
     }
 }
 

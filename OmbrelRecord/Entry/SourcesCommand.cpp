@@ -1,5 +1,6 @@
 #include "OmbrelRecord/Entry/SourcesCommand.h"
 
+#include "OmbrelRecord/Entry/Tell.h"
 #include "RecordCore/Capture/WindowList.h"
 #include "RecordCore/Model/RecordingError.h"
 
@@ -26,7 +27,7 @@ Json listed(const char* what, Make make) {
     try {
         return make();
     } catch (const RecordingError& error) {
-        fmt::print(stderr, "ombrel-record: no {}: {}\n", what, error.what());
+        tell("no {}: {}", what, error.what());
         return Json::array();
     }
 }

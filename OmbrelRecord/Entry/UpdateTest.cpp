@@ -1,5 +1,6 @@
 #include "OmbrelRecord/Entry/Backends.h"
 #include "OmbrelRecord/Entry/Jobs.h"
+#include "OmbrelRecord/Entry/Tell.h"
 #include "OmbrelRecord/Updates/Updates.h"
 #include "RecordCore/Model/AtomicFile.h"
 #include "RecordCore/Model/RecordingError.h"
@@ -81,7 +82,7 @@ void Jobs::updateTest(const fs::path& folder) {
     try {
         writeFileAtomically(folder / "report.txt", report);
     } catch (const std::exception& error) {
-        fmt::print(stderr, "ombrel-record: {}\n", error.what());
+        tell("{}", error.what());
     }
 }
 

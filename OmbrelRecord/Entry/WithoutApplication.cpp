@@ -1,5 +1,6 @@
 #include "OmbrelRecord/Entry/Entry.h"
 #include "OmbrelRecord/Entry/Jobs.h"
+#include "OmbrelRecord/Entry/Tell.h"
 
 #include <cstdio>
 #include <fmt/format.h>
@@ -11,7 +12,7 @@ namespace OmbrelRecord {
 namespace {
 
 void say(const char* what) {
-    fmt::print(stderr, "ombrel-record: this build has no {}\n", what);
+    tell("this build has no {}", what);
 }
 
 } // namespace

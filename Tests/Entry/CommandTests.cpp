@@ -208,6 +208,24 @@ TEST_F(Commands, outputThatDoesNotArriveIsAnError) {
     }
 }
 
+TEST_F(Commands, aMessageThatNobodyCanReadEndsNothing) {
+    EXPECT_EQ(program("plan " + quoted(folder / "none") + " 2>/dev/full").status, 1);
+    with("project.json", "[]"); // worth a note
+    EXPECT_EQ(program("export " + quoted(recording) + " -o " + quoted(film) + " 2>/dev/full").status, 0);
+    EXPECT_TRUE(fs::exists(film));
+}
+
+TEST_F(Commands, anExportWhoseTerminalIsClosedLeavesNothingBehind) {
+    // Twice, as the shell and the terminal each do.
+    const std::string hangUp =
+        " & p=$!; until ls -A " + quoted(folder.path()) +
+        " | grep -q part || ! kill -0 $p; do sleep 0.01; done; kill -HUP $p; kill -HUP $p; wait $p";
+    EXPECT_EQ(
+        program("export " + quoted(recording) + " --scale 4 --fps 240 -o " + quoted(film) + hangUp).status,
+        1);
+    EXPECT_EQ(files(folder.path()).size(), 1U);
+}
+
 TEST_F(Commands, brokenSideFilesAreDoneWithout) {
     with("project.json", "{\"format\": 7}");
     with("activity.json", "[{]");
