@@ -13,12 +13,14 @@ namespace RecordCore {
 
 namespace {
 
-void makePrivateFolder(const std::filesystem::path& folder) {
-    if (std::filesystem::is_directory(folder)) return;
+/// False when it was there already.
+bool makePrivateFolder(const std::filesystem::path& folder) {
+    if (std::filesystem::is_directory(folder)) return false;
     std::error_code error;
     if (folder.has_parent_path()) std::filesystem::create_directories(folder.parent_path(), error);
     if (mkdir(folder.c_str(), 0700) != 0)
         throw RecordingError(fmt::format("{}: cannot be created", folder.string()));
+    return true;
 }
 
 } // namespace
@@ -29,7 +31,7 @@ RecordingSession::RecordingSession(std::filesystem::path folder, Setup setup, Se
 RecordingSession::~RecordingSession() = default;
 
 void RecordingSession::start() {
-    makePrivateFolder(files.folder);
+    madeFolder = makePrivateFolder(files.folder);
     if (std::filesystem::exists(files.video())) {
         recoverRecording(files.folder, services.screen.media, services.screen.log);
         throw RecordingError(fmt::format("{}: holds a recording already", files.folder.string()));
@@ -56,12 +58,19 @@ void RecordingSession::start() {
         input.reset();
         recorder.reset();
         stopCamera();
-        journal->remove();
         std::error_code ignored;
         std::filesystem::remove(files.video(), ignored);
-        std::filesystem::remove(files.camera(), ignored);
+        discard();
         throw;
     }
+}
+
+/// Removes what belongs to a recording that has no picture.
+void RecordingSession::discard() {
+    journal->remove();
+    std::error_code ignored;
+    std::filesystem::remove(files.camera(), ignored);
+    if (madeFolder) std::filesystem::remove(files.folder, ignored); // unless somebody put something there
 }
 
 /// A recording without its camera is better than none.
@@ -103,11 +112,7 @@ InputLog RecordingSession::stop() {
         log.cameraOffset = *seen - *first;
     if (failure) {
         // Nothing to keep, unless the movie is there and can only not be read now.
-        if (!std::filesystem::exists(files.video())) {
-            journal->remove();
-            std::error_code ignored;
-            std::filesystem::remove(files.camera(), ignored);
-        }
+        if (!std::filesystem::exists(files.video())) discard();
         std::rethrow_exception(failure);
     }
     log.save(files.input());

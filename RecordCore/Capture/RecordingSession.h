@@ -33,7 +33,8 @@ public:
     RecordingSession(std::filesystem::path folder, Setup setup, Services services);
     ~RecordingSession();
 
-    /// Starts everything. Throws RecordingError; nothing is left in the folder then. A recording that the
+    /// Starts everything. Throws RecordingError; nothing is left in the folder then, and a folder that was
+    /// created is gone again. A recording that the
     /// folder already holds is an error (one that was cut off is made whole first), so that none is ever
     /// lost. A camera that does not start is no error: `problem` tells it.
     void start();
@@ -52,11 +53,13 @@ public:
 private:
     void startCamera();
     void stopCamera();
+    void discard();
 
     RecordingFiles files;
     Setup setup;
     Services services;
     std::string trouble;
+    bool madeFolder = false;
     std::unique_ptr<RecordingJournal> journal;
     std::unique_ptr<CameraRecorder> camera;
     bool cameraNoted = false; ///< in the journal; the screen recorder's encoding thread's
