@@ -99,11 +99,12 @@ CompositorSettings compositorSettings(const Plan& plan, const Project& project, 
     return settings;
 }
 
-ExportStats run(const MediaBackend& media, const std::filesystem::path& source, const Plan& plan,
-                const ExportOptions& options, const std::filesystem::path& destination, const Hooks& hooks,
-                const Sharing& sharing) {
-    const auto started = std::chrono::steady_clock::now();
-    requireFilm(plan, options.fps);
+namespace {
+
+/// One attempt. `hardwareFailed` tells, when it throws, that it was a hardware encoder's fault.
+ExportStats makeFilm(const MediaBackend& media, const std::filesystem::path& source, const Plan& plan,
+                     const ExportOptions& options, const std::filesystem::path& destination,
+                     const Hooks& hooks, const Sharing& sharing, std::atomic<bool>& hardwareFailed) {
 
     // Whoever cancels waits for no more than one of the steps in which an export is set up.
     const auto check = [&] {
@@ -144,8 +145,9 @@ ExportStats run(const MediaBackend& media, const std::filesystem::path& source, 
     video.hardware = options.hardware;
     check();
     std::optional<PacketQueue> packets;
-    FilmEncoders encoders(media, video, sharing.keysPerRange,
-                          [&](std::size_t range, const Packet& packet) { packets->put(range, packet); });
+    FilmEncoders encoders(
+        media, video, sharing.keysPerRange,
+        [&](std::size_t range, const Packet& packet) { packets->put(range, packet); }, hardwareFailed);
     packets.emplace(encoders.ranges().size());
     if (shares.workers > 1 && encoders.ranges().size() == 1) { // it takes one encoder: all threads are for it
         shares = {};
@@ -190,9 +192,32 @@ ExportStats run(const MediaBackend& media, const std::filesystem::path& source, 
     if (hooks.progress) hooks.progress(1);
 
     stats.outputSeconds = plan.outputDuration();
-    stats.wallSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
     stats.encoder = encoders.name();
     stats.hardware = encoders.hardware();
+    return stats;
+}
+
+} // namespace
+
+ExportStats run(const MediaBackend& media, const std::filesystem::path& source, const Plan& plan,
+                const ExportOptions& options, const std::filesystem::path& destination, const Hooks& hooks,
+                const Sharing& sharing) {
+    const auto started = std::chrono::steady_clock::now();
+    requireFilm(plan, options.fps);
+    std::atomic<bool> hardwareFailed{false};
+    const auto film = [&](const ExportOptions& how) {
+        return makeFilm(media, source, plan, how, destination, hooks, sharing, hardwareFailed);
+    };
+    ExportStats stats;
+    try {
+        stats = film(options);
+    } catch (const RecordingError&) {
+        if (!hardwareFailed) throw;
+        ExportOptions software = options;
+        software.hardware = false;
+        stats = film(software);
+    }
+    stats.wallSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
     return stats;
 }
 

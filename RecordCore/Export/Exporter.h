@@ -41,8 +41,9 @@ struct Sharing {
 };
 
 /// Exports `source` under `plan` to `destination`, which is replaced only when the new film is whole. Runs on
-/// threads of its own; the calling thread writes the film until it is done. Throws RecordingError:
-/// "cancelled" when asked to, else naming the file and the cause; nothing is left behind then.
+/// threads of its own; the calling thread writes the film until it is done. When a hardware encoder fails on
+/// the way the film is begun anew in software. Throws RecordingError: "cancelled" when asked to, else naming
+/// the file and the cause; nothing is left behind then.
 ExportStats run(const MediaBackend& media, const std::filesystem::path& source, const Plan& plan,
                 const ExportOptions& options, const std::filesystem::path& destination,
                 const Hooks& hooks = {}, const Sharing& sharing = {});

@@ -17,12 +17,46 @@ double sum(std::span<const FrameForecast> frames) {
     return all;
 }
 
+/// Notes that an encoder fails: drivers open and then give up at a picture they do not like, or in the
+/// middle.
+class WatchedEncoder final : public VideoEncoder {
+public:
+    WatchedEncoder(std::unique_ptr<VideoEncoder> watched, std::atomic<bool>& failed) :
+        encoder(std::move(watched)), failed(failed) {}
+
+    const StreamDescription& description() const override { return encoder->description(); }
+    std::string name() const override { return encoder->name(); }
+    void encode(const PlanarView& picture, std::int64_t pts, const FrameHints& hints) override {
+        watch([&] { encoder->encode(picture, pts, hints); });
+    }
+    void repeat(std::int64_t pts) override {
+        watch([&] { encoder->repeat(pts); });
+    }
+    void finish(std::int64_t endPts) override {
+        watch([&] { encoder->finish(endPts); });
+    }
+
+private:
+    template <typename Call>
+    void watch(const Call& call) {
+        try {
+            call();
+        } catch (const RecordingError&) {
+            failed = true;
+            throw;
+        }
+    }
+
+    std::unique_ptr<VideoEncoder> encoder;
+    std::atomic<bool>& failed;
+};
+
 } // namespace
 
 FilmEncoders::FilmEncoders(const MediaBackend& media, const VideoSettings& film, int keysPerRange,
-                           RangeSink rangeSink) :
+                           RangeSink rangeSink, std::atomic<bool>& hardwareFailed) :
     media(media),
-    settings(film), sink(std::move(rangeSink)), forecast(sum(film.forecast)) {
+    settings(film), sink(std::move(rangeSink)), forecast(sum(film.forecast)), hardwareFailed(hardwareFailed) {
     parts = filmRanges(film.expectedEnd, film.keyInterval, keysPerRange);
     first = openFirst();
     stream = first->description();
@@ -33,7 +67,7 @@ std::unique_ptr<VideoEncoder> FilmEncoders::openFirst() {
     const std::vector<FilmRange> wanted = std::exchange(parts, {{0, settings.expectedEnd}});
     if (settings.hardware) {
         try {
-            return open(0);
+            return std::make_unique<WatchedEncoder>(open(0), hardwareFailed);
         } catch (const RecordingError&) {
             settings.hardware = false;
         }
@@ -47,7 +81,7 @@ std::unique_ptr<VideoEncoder> FilmEncoders::openFirst() {
     return open(0);
 }
 
-std::unique_ptr<VideoEncoder> FilmEncoders::open(std::size_t range) const {
+std::unique_ptr<VideoEncoder> FilmEncoders::open(std::size_t range) {
     const auto put = [this, range](const Packet& packet) { sink(range, packet); };
     if (parts.size() == 1) return media.makeVideoEncoder(settings, put);
     const FilmRange& frames = parts[range];

@@ -3,6 +3,7 @@
 #include "RecordCore/Export/FilmRanges.h"
 #include "RecordCore/Media/MediaBackend.h"
 
+#include <atomic>
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -19,8 +20,10 @@ public:
     using RangeSink = std::function<void(std::size_t range, const Packet&)>;
 
     /// `film` describes all of it, with its forecast. The first encoder is opened at once: what comes after
-    /// depends on what it is. Throws RecordingError.
-    FilmEncoders(const MediaBackend& media, const VideoSettings& film, int keysPerRange, RangeSink sink);
+    /// depends on what it is. `hardwareFailed` becomes true when one in hardware opened and then fails at its
+    /// work. Throws RecordingError.
+    FilmEncoders(const MediaBackend& media, const VideoSettings& film, int keysPerRange, RangeSink sink,
+                 std::atomic<bool>& hardwareFailed);
 
     const std::vector<FilmRange>& ranges() const { return parts; }
     const StreamDescription& description() const { return stream; }
@@ -32,7 +35,7 @@ public:
 
 private:
     std::unique_ptr<VideoEncoder> openFirst();
-    std::unique_ptr<VideoEncoder> open(std::size_t range) const;
+    std::unique_ptr<VideoEncoder> open(std::size_t range);
 
     const MediaBackend& media;
     VideoSettings settings; ///< of the whole film
@@ -42,6 +45,7 @@ private:
     std::unique_ptr<VideoEncoder> first; ///< until it is asked for
     StreamDescription stream;
     std::string encoderName;
+    std::atomic<bool>& hardwareFailed;
 };
 
 } // namespace RecordCore

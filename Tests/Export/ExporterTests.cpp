@@ -73,6 +73,7 @@ private:
 class Machine final : public RealMedia {
 public:
     bool hasHardware = false;
+    std::function<void()> onHardwareFrame = [] {};
     std::function<void()> onFrame = [] {}; ///< called by several threads
     std::function<void()> onOpen = [] {};
     std::function<void(double)> onRead = [](double) {};
@@ -91,7 +92,7 @@ public:
         }
         if (settings.hardware && !hasHardware) throw RecordingError("no hardware encoder");
         return std::make_unique<WatchedEncoder>(RealMedia::makeVideoEncoder(settings, std::move(sink)),
-                                                onFrame);
+                                                settings.hardware ? onHardwareFrame : onFrame);
     }
 };
 
@@ -111,6 +112,11 @@ protected:
 
     ExportStats film(const Exporter::Hooks& hooks = {}) {
         return Exporter::run(machine, source, plan, options, file, hooks, sharing);
+    }
+
+    std::string contents() const {
+        std::ifstream stream(file, std::ios::binary);
+        return {std::istreambuf_iterator<char>(stream), {}};
     }
 
     TemporaryFolder folder;
@@ -172,10 +178,6 @@ protected:
         options.project = recording.project;
         options.scale = 0.2;
         options.hardware = false;
-    }
-    std::string contents() const {
-        std::ifstream stream(file, std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), {}};
     }
 };
 
@@ -291,6 +293,30 @@ TEST_F(LongFilms, AreTheSameWithAnyNumberOfWorkers) {
     const ExportStats whole = film();
     EXPECT_EQ(whole.frames, alone.frames);
     EXPECT_FALSE(contents() == expected);
+}
+
+// Drivers open and give up later.
+TEST_F(Films, AreMadeInSoftwareWhenTheHardwareFailsOnTheWay) {
+    options.hardware = false;
+    film();
+    const std::string expected = contents();
+    machine.hasHardware = true;
+    options.hardware = true;
+    int frames = 0;
+    machine.onHardwareFrame = [&] {
+        if (++frames == 100) throw RecordingError("the device is gone");
+    };
+    const ExportStats stats = film();
+    EXPECT_FALSE(stats.hardware);
+    EXPECT_EQ(stats.frames, 240);
+    EXPECT_TRUE(contents() == expected);
+
+    // What is not the encoder's fault is not tried twice.
+    frames = 100;
+    machine.asked.clear();
+    machine.onRead = [](double) { throw RecordingError("the disk is gone"); };
+    EXPECT_THROW(film(), RecordingError);
+    EXPECT_EQ(machine.asked.size(), 1U);
 }
 
 TEST_F(LongFilms, InHardwareAreMadeInOneGo) {
