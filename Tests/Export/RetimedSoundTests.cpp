@@ -9,8 +9,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <fstream>
 #include <functional>
+#include <limits>
 #include <numbers>
 
 using namespace RecordCore;
@@ -277,6 +280,32 @@ TEST(SoundReader, PutsEverySampleInItsPlace) {
             EXPECT_LT(best, 0.5) << c.name << " at " << place;
         }
     }
+}
+
+TEST(SoundReader, WhatIsNoNumberSilencesNothingElse) {
+    const TemporaryFolder folder;
+    std::vector<float> samples(soundRate * 2, 0.25F);
+    constexpr std::array<float, 4> bad{std::numeric_limits<float>::quiet_NaN(),
+                                       std::numeric_limits<float>::infinity(), -1e30F, 3};
+    std::copy(bad.begin(), bad.end(), samples.begin() + 48000);
+    std::ofstream(folder / "raw", std::ios::binary)
+        .write(reinterpret_cast<const char*>(samples.data()),
+               static_cast<std::streamsize>(samples.size() * sizeof(float)));
+    ffmpeg(fmt::format("-f lavfi -i color=s=64x48:r=10:d=1 -f f32le -ar 48000 -ac 2 -i {} -c:v libx264 "
+                       "-c:a pcm_f32le {}",
+                       (folder / "raw").string(), (folder / "movie.mov").string()));
+    std::vector<float> read(samples.size());
+    FFmpeg::openSound(folder / "movie.mov").front()->read(0, read);
+    std::copy_n(std::array<float, 4>{0, 4, -4, 3}.begin(), 4, samples.begin() + 48000);
+    EXPECT_EQ(read, samples);
+
+    // What comes from a device has passed no reader.
+    std::copy(bad.begin(), bad.end(), samples.begin() + 48000);
+    int packets = 0;
+    const auto encoder = FFmpeg::makeSoundEncoder(192'000, [&](const Packet&) { ++packets; });
+    encoder->encode(samples);
+    encoder->finish();
+    EXPECT_GE(packets, 47);
 }
 
 TEST(TimeStretcher, IsNotWaitedForOnceInterrupted) {

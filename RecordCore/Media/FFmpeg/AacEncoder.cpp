@@ -57,7 +57,7 @@ void AacEncoder::encode(std::span<const float> samples) {
         for (int channel = 0; channel < soundChannels; ++channel) {
             float* to = reinterpret_cast<float*>(frame->data[channel]) + filled;
             for (int i = 0; i < count; ++i)
-                to[i] = samples[static_cast<std::size_t>(i * soundChannels + channel)];
+                to[i] = usableSample(samples[static_cast<std::size_t>(i * soundChannels + channel)]);
         }
         filled += count;
         samples = samples.subspan(static_cast<std::size_t>(count) * soundChannels);

@@ -159,6 +159,8 @@ void FFmpegSoundReader::resample(const AVFrame* decoded) {
     const int count = swr_convert(resampler.get(), &to, space, from, decoded ? decoded->nb_samples : 0);
     samples.resize(before + static_cast<std::size_t>(std::max(count, 0)) * soundChannels);
     if (count < 0) fail(input.path(), "the sound cannot be converted", count);
+    std::transform(samples.begin() + static_cast<std::ptrdiff_t>(before), samples.end(),
+                   samples.begin() + static_cast<std::ptrdiff_t>(before), usableSample);
 }
 
 void FFmpegSoundReader::read(std::int64_t position, std::span<float> out) {
