@@ -1,7 +1,8 @@
 // From the start of a program to its first window with something drawn in it, the processor time it has taken
 // by then, and its memory two seconds later, for the application and for an empty Qt Quick window in turn.
-// Needs an X display without a window manager (xvfb-run -s "-screen 0 1920x1080x24" will do). usage:
-// ombrel-bench-start [runs]
+// Needs an X display without a window manager (xvfb-run -s "-screen 0 1920x1080x24" will do). Further
+// programs, such as the application of another build, are measured in the same turns. usage:
+// ombrel-bench-start [runs [program ...]]
 
 #include <xcb/xcb.h>
 
@@ -10,11 +11,10 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <fmt/format.h>
 #include <fstream>
-#include <iterator>
 #include <spawn.h>
-#include <sstream>
 #include <string>
 #include <sys/wait.h>
 #include <thread>
@@ -43,16 +43,12 @@ double megabytes(pid_t pid) {
     return 0;
 }
 
+/// Of all its threads, those that have ended, too.
 double cpuSeconds(pid_t pid) {
-    std::ifstream file(fmt::format("/proc/{}/stat", pid));
-    std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-    // User and system time are the 14th and 15th word; the second may hold anything in brackets.
-    std::istringstream words(text.substr(std::min(text.size(), text.rfind(')') + 2)));
-    std::string word;
-    double ticks = 0;
-    for (int i = 3; i <= 15 && words >> word; ++i)
-        if (i >= 14) ticks += std::strtod(word.c_str(), nullptr);
-    return ticks / static_cast<double>(sysconf(_SC_CLK_TCK));
+    clockid_t clock{};
+    timespec time{};
+    if (clock_getcpuclockid(pid, &clock) != 0 || clock_gettime(clock, &time) != 0) return 0;
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
 
 /// Whether a window of the screen is large, shown, and holds another pixel than the screen's own black.
@@ -124,24 +120,32 @@ int main(int argc, char** argv) {
         return 1;
     }
     const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
-    const char* programs[] = {EMPTY_WINDOW, OMBREL_RECORD_PROGRAM};
-    std::vector<double> seconds[2], cpu[2], sizes[2];
-    // The first round warms the caches and is not counted; then one after the other, so that both meet the
+    struct Program {
+        const char* name;
+        const char* path;
+        std::vector<double> seconds, cpu, sizes;
+    };
+    std::vector<Program> programs{{"empty window", EMPTY_WINDOW, {}, {}, {}},
+                                  {"application", OMBREL_RECORD_PROGRAM, {}, {}, {}}};
+    for (int i = 2; i < argc; ++i)
+        programs.push_back({"another", argv[i], {}, {}, {}});
+    // The first round warms the caches and is not counted; then one after the other, so that all meet the
     // same machine.
     for (int round = 0; round <= runs; ++round)
-        for (int i = 0; i < 2; ++i) {
-            const Figures figures = run(programs[i], connection, root);
+        for (Program& program : programs) {
+            const Figures figures = run(program.path, connection, root);
             if (round == 0) continue;
-            seconds[i].push_back(figures.seconds);
-            cpu[i].push_back(figures.cpu);
-            sizes[i].push_back(figures.megabytes);
+            program.seconds.push_back(figures.seconds);
+            program.cpu.push_back(figures.cpu);
+            program.sizes.push_back(figures.megabytes);
         }
-    fmt::print("              until drawn   processor   memory\n");
-    for (int i = 0; i < 2; ++i)
-        fmt::print("{}  {:9.3f} s {:9.2f} s {:6.1f} MB\n", i == 0 ? "empty window" : "application ",
-                   median(seconds[i]), median(cpu[i]), median(sizes[i]));
-    fmt::print("ratio         {:9.2f}   {:9.2f}   {:6.2f}\n", median(seconds[1]) / median(seconds[0]),
-               median(cpu[1]) / median(cpu[0]), median(sizes[1]) / median(sizes[0]));
+    fmt::print("              until drawn   processor       memory   ratios\n");
+    const Program& empty = programs.front();
+    for (const Program& program : programs)
+        fmt::print("{:12}  {:9.3f} s {:9.3f} s {:9.1f} MB   {:.2f} {:.2f} {:.2f}\n", program.name,
+                   median(program.seconds), median(program.cpu), median(program.sizes),
+                   median(program.seconds) / median(empty.seconds), median(program.cpu) / median(empty.cpu),
+                   median(program.sizes) / median(empty.sizes));
     xcb_disconnect(connection);
     return 0;
 }

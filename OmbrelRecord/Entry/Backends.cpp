@@ -21,6 +21,7 @@ public:
     }
 
     std::unique_ptr<VideoReader> openVideo(const std::filesystem::path& file, int threads) const override {
+        loadKernels();
         return media().openVideo(file, threads);
     }
 
@@ -57,6 +58,10 @@ private:
 
 std::shared_ptr<const MediaBackend> makeMediaBackend() {
     return std::make_shared<LaterMedia>();
+}
+
+void loadKernels() {
+    module<Modules::Kernels>();
 }
 
 void loadMedia() {

@@ -1,5 +1,6 @@
 #include "OmbrelRecord/Entry/CaptureServices.h"
 
+#include "OmbrelRecord/Entry/Backends.h"
 #include "OmbrelRecord/Entry/Module.h"
 #include "OmbrelRecord/Entry/Modules/Modules.h"
 #include "RecordCore/Model/RecordingError.h"
@@ -20,6 +21,7 @@ public:
     std::vector<DisplayInfo> displays() const override { return screen().displays(); }
     std::vector<WindowInfo> windows() const override { return screen().windows(); }
     std::unique_ptr<ScreenStream> openScreen(const ScreenSource& source, int fps) const override {
+        loadKernels();
         return screen().openScreen(source, fps);
     }
     std::unique_ptr<InputSource> openInput() const override { return screen().openInput(); }
@@ -55,6 +57,7 @@ class LaterCameras final : public CameraBackend {
 public:
     std::vector<CameraDevice> cameras() const override { return backend().cameras(); }
     std::unique_ptr<CameraStream> openCamera(const std::string& id) const override {
+        loadKernels();
         return backend().openCamera(id);
     }
 

@@ -2,7 +2,7 @@
 #include "OmbrelRecord/Entry/Loading.h"
 #include "RecordCore/Export/Exporter.h"
 #include "RecordCore/Export/FrameRenderer.h"
-#include "RecordCore/Rendering/RgbImage.h"
+#include "RecordCore/Rendering/PngFile.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "RecordCore/Model/Backdrop.h"
 #include "RecordCore/Rendering/Bitmap.h"
+#include "RecordCore/Rendering/Ink.h"
 
 // Cairo's own declarations, repeated so that its headers stay inside the drawing code.
 using cairo_t = struct _cairo;
@@ -28,12 +28,6 @@ private:
 /// Adds the path of a rounded rectangle.
 void roundedRectanglePath(cairo_t* cairo, double x, double y, double width, double height, double radius);
 
-/// The colour a fill or stroke is drawn in; `alpha` 0 is fully transparent.
-struct Ink {
-    Rgb color;
-    double alpha = 1;
-    static constexpr Ink gray(double value, double alpha = 1) { return {{value, value, value}, alpha}; }
-};
 void setInk(cairo_t* cairo, const Ink& ink);
 
 /// Blurs the bitmap's alpha and returns it as a drawing of that colour, of the same size. A `density` above 1

@@ -1,11 +1,8 @@
 #include "RecordCore/Rendering/Canvas.h"
 
 #include "RecordCore/Model/Clock.h"
-#include "RecordCore/Rendering/CairoSurface.h"
 #include "RecordCore/Rendering/Glyphs.h"
 #include "RecordCore/Rendering/Kernels/Kernels.h"
-
-#include <cairo.h>
 
 #include <algorithm>
 #include <cmath>
@@ -313,17 +310,10 @@ void Canvas::setGlyph(Glyph& glyph, const GlyphKey& key, bool isPointer) {
             .intersected(window);
     if (area.empty()) return;
     sketch.reset(area.x1 - area.x0, area.y1 - area.y0);
-    {
-        const CairoSurface cairo(sketch);
-        cairo_translate(cairo, left - area.x0, top - area.y0);
-        cairo_scale(cairo, k, k);
-        if (isPointer)
-            Glyphs::paintPointer(cairo, style.style);
-        else if (style.effect == "spotlight")
-            Glyphs::paintSpotlight(cairo);
-        else
-            Glyphs::paintRipple(cairo, style.effect == "ring");
-    }
+    if (isPointer)
+        Glyphs::paintPointer(sketch, style.style, left - area.x0, top - area.y0, k);
+    else
+        Glyphs::paintClick(sketch, style.effect, left - area.x0, top - area.y0, k);
     glyph.overlay.set(sketch, area.x0, area.y0);
     glyph.rect = glyph.overlay.rect().intersected(window);
     mark(glyph.rect);

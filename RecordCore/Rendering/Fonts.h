@@ -6,7 +6,7 @@ namespace RecordCore {
 
 /// Where the drawn texts get their typeface from. The application carries Plus Jakarta Sans; what it lacks
 /// (other scripts, emoji) comes from the fonts of the system. Callable from any thread; a change takes
-/// effect on texts drawn afterwards.
+/// effect on texts drawn afterwards. Only there where the drawing library is linked in.
 namespace Fonts {
 
 /// The folder of the carried fonts. By default it is looked for beside the executable

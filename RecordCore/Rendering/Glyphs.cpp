@@ -101,14 +101,7 @@ double centeredCapitals(const TextLayout& text, double size, double height) {
     return height / 2 + capitals * size / 2 - text.baseline();
 }
 
-} // namespace
-
-Glyphs::PointerSheet Glyphs::pointerSheet(std::string_view style) {
-    if (style == "dot") return {150, 150, 75, 75};
-    return {pointerWidth, pointerHeight, 14, 10};
-}
-
-void Glyphs::paintPointerShape(cairo_t* cairo, const Ink& fill, const Ink& stroke, bool outlineOnly) {
+void paintPointerShape(cairo_t* cairo, const Ink& fill, const Ink& stroke, bool outlineOnly) {
     arrowPath(cairo);
     cairo_set_line_join(cairo, CAIRO_LINE_JOIN_ROUND);
     if (outlineOnly) {
@@ -134,7 +127,7 @@ void Glyphs::paintPointerShape(cairo_t* cairo, const Ink& fill, const Ink& strok
     cairo_stroke(cairo);
 }
 
-void Glyphs::paintPointer(cairo_t* cairo, std::string_view style) {
+void paintPointer(cairo_t* cairo, std::string_view style) {
     if (style == "dot")
         paintDot(cairo);
     else if (style == "light")
@@ -145,7 +138,7 @@ void Glyphs::paintPointer(cairo_t* cairo, std::string_view style) {
         paintPointerShape(cairo, Ink::gray(0.06), Ink::gray(1), false);
 }
 
-void Glyphs::paintRipple(cairo_t* cairo, bool thick) {
+void paintRipple(cairo_t* cairo, bool thick) {
     cairo_new_path(cairo);
     if (!thick) {
         circle(cairo, 100, 100, 90);
@@ -158,7 +151,7 @@ void Glyphs::paintRipple(cairo_t* cairo, bool thick) {
     cairo_stroke(cairo);
 }
 
-void Glyphs::paintSpotlight(cairo_t* cairo) {
+void paintSpotlight(cairo_t* cairo) {
     cairo_pattern_t* light = cairo_pattern_create_radial(100, 100, 0, 100, 100, 98);
     // A plateau of light that falls off smoothly to nothing: no edge, no hard centre.
     constexpr int stops = 16;
@@ -168,14 +161,33 @@ void Glyphs::paintSpotlight(cairo_t* cairo) {
         cairo_pattern_add_color_stop_rgba(light, r, 1, 0.96, 0.84, 0.5 * falloff);
     }
     cairo_set_source(cairo, light);
-    cairo_rectangle(cairo, 0, 0, rippleSheet, rippleSheet);
+    cairo_rectangle(cairo, 0, 0, Glyphs::rippleSheet, Glyphs::rippleSheet);
     cairo_fill(cairo);
     cairo_pattern_destroy(light);
 }
 
+} // namespace
+
+void Glyphs::paintPointer(Bitmap& bitmap, std::string_view style, double x, double y, double k) {
+    const CairoSurface cairo(bitmap);
+    cairo_translate(cairo, x, y);
+    cairo_scale(cairo, k, k);
+    RecordCore::paintPointer(cairo, style);
+}
+
+void Glyphs::paintClick(Bitmap& bitmap, std::string_view effect, double x, double y, double k) {
+    const CairoSurface cairo(bitmap);
+    cairo_translate(cairo, x, y);
+    cairo_scale(cairo, k, k);
+    if (effect == "spotlight")
+        paintSpotlight(cairo);
+    else
+        paintRipple(cairo, effect == "ring");
+}
+
 Bitmap Glyphs::pointer(std::string_view style, double k) {
     const PointerSheet size = pointerSheet(style);
-    return sheet(size.width, size.height, k, [&](cairo_t* cairo) { paintPointer(cairo, style); });
+    return sheet(size.width, size.height, k, [&](cairo_t* cairo) { RecordCore::paintPointer(cairo, style); });
 }
 
 Bitmap Glyphs::ripple(bool thick, double k) {

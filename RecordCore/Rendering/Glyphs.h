@@ -1,7 +1,7 @@
 #pragma once
 
 #include "RecordCore/Rendering/Bitmap.h"
-#include "RecordCore/Rendering/CairoSurface.h"
+#include "RecordCore/Rendering/Ink.h"
 
 #include <cstdint>
 #include <string>
@@ -10,7 +10,9 @@
 
 namespace RecordCore {
 
-/// The small drawings of a film. Pure functions, callable from any thread. Everything is drawn from outlines
+/// The small drawings of a film, and its texts. What draws them is a library of its own (RecordCoreDrawing),
+/// or stands in for one that is loaded at the first call and throws RecordingError where it cannot be had.
+/// Otherwise pure functions, callable from any thread. Everything is drawn from outlines
 /// at the size asked for. Lengths are canvas pixels; `scale` is canvas pixels per base unit.
 namespace Glyphs {
 
@@ -24,16 +26,17 @@ struct PointerSheet {
     double hotX;
     double hotY;
 };
-PointerSheet pointerSheet(std::string_view style);
-
-/// Draws the sheet of a pointer style at the origin of the context.
-void paintPointer(cairo_t* cairo, std::string_view style);
-void paintPointerShape(cairo_t* cairo, const Ink& fill, const Ink& stroke, bool outlineOnly);
+inline PointerSheet pointerSheet(std::string_view style) {
+    if (style == "dot") return {150, 150, 75, 75};
+    return {pointerWidth, pointerHeight, 14, 10};
+}
+/// Draws the sheet of a pointer style with its corner at (x, y) of the bitmap, `k` pixels for a unit.
+void paintPointer(Bitmap& bitmap, std::string_view style, double x, double y, double k);
 
 /// Click glyphs are designed on a sheet of 200 × 200.
 inline constexpr double rippleSheet = 200;
-void paintRipple(cairo_t* cairo, bool thick);
-void paintSpotlight(cairo_t* cairo);
+/// Draws the sheet of a click effect ("ring", "spotlight", else the ripple) in the same way.
+void paintClick(Bitmap& bitmap, std::string_view effect, double x, double y, double k);
 
 /// The sheets as drawings, `k` pixels for a unit.
 Bitmap pointer(std::string_view style, double k = 1);

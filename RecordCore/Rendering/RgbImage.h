@@ -3,7 +3,6 @@
 #include "RecordCore/Model/PictureView.h"
 
 #include <cstdint>
-#include <filesystem>
 #include <vector>
 
 namespace RecordCore {
@@ -30,9 +29,5 @@ struct RgbImage {
 /// lastRow). The same colours as RgbImage::of, within one unit.
 void toBgra(const PlanarView& picture, std::uint8_t* pixels, std::ptrdiff_t stride, int firstRow,
             int lastRow);
-
-/// Writes a PNG so that a reader sees the old file or the whole new one. Throws RecordingError that names
-/// the file and the cause.
-void writePng(const std::filesystem::path& file, const RgbImage& image);
 
 } // namespace RecordCore

@@ -8,7 +8,7 @@
 namespace RecordCore {
 
 /// Reads image files that users choose as a background: PNG, JPEG and WebP, turned upright as their EXIF
-/// data says. Stateless; callable from any thread.
+/// data says. Stateless; callable from any thread. Part of the drawing library, as Glyphs are.
 namespace WallpaperFile {
 
 /// The image, at least `width` × `height` where the file has that much and not vastly more; none when the

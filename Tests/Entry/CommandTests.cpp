@@ -345,7 +345,7 @@ TEST_F(Commands, whatAVerbDoesNotNeedIsNotLoaded) {
             .out;
     };
     EXPECT_EQ(modules("--help"), "");
-    EXPECT_EQ(modules("plan " + quoted(recording)), "libavformat ombrel-media.so ");
+    EXPECT_EQ(modules("plan " + quoted(recording)), "libavformat ombrel-kernels.so ombrel-media.so ");
 }
 
 TEST_F(Commands, wrongUsageIsTold) {

@@ -2,7 +2,7 @@
 #include "RecordCore/Model/RecordingError.h"
 #include "RecordCore/Rendering/ColorMatrix.h"
 #include "RecordCore/Rendering/Overlay.h"
-#include "RecordCore/Rendering/RgbImage.h"
+#include "RecordCore/Rendering/PngFile.h"
 #include "RecordCore/Rendering/RgbPlanes.h"
 #include "RecordCore/Rendering/WallpaperFile.h"
 #include "Tests/Rendering/SamplePictures.h"

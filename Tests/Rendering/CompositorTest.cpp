@@ -3,7 +3,7 @@
 #include "RecordCore/Rendering/ColorMatrix.h"
 #include "RecordCore/Rendering/Fonts.h"
 #include "RecordCore/Rendering/Glyphs.h"
-#include "RecordCore/Rendering/RgbImage.h"
+#include "RecordCore/Rendering/PngFile.h"
 #include "Tests/Rendering/SamplePictures.h"
 #include "Tests/Support/TemporaryFolder.h"
 

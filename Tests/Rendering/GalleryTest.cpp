@@ -3,7 +3,7 @@
 
 #include "RecordCore/Rendering/Canvas.h"
 #include "RecordCore/Rendering/Fonts.h"
-#include "RecordCore/Rendering/RgbImage.h"
+#include "RecordCore/Rendering/PngFile.h"
 #include "Tests/Rendering/SamplePictures.h"
 
 #include <gtest/gtest.h>

@@ -7,6 +7,10 @@
 #include "RecordCore/Media/MediaBackend.h"
 #include "RecordCore/Media/PictureDecoder.h"
 #include "RecordCore/Media/SoundOutput.h"
+#include "RecordCore/Rendering/Glyphs.h"
+#include "RecordCore/Rendering/Kernels/Kernels.h"
+#include "RecordCore/Rendering/PngFile.h"
+#include "RecordCore/Rendering/WallpaperFile.h"
 
 #include <functional>
 #include <memory>
@@ -61,6 +65,35 @@ struct Signature {
     static constexpr const char* file = "ombrel-signature.so";
     Head head;
     bool (*isSigned)(std::string_view bytes, std::string_view signature, std::string_view publicKey);
+};
+
+/// The engine's functions of the same names, which stand-ins in the program call.
+struct Kernels {
+    static constexpr const char* file = "ombrel-kernels.so";
+    Head head;
+    decltype(&RecordCore::Kernels::weighRows) weighRows;
+    decltype(&RecordCore::Kernels::weighColumns) weighColumns;
+    decltype(&RecordCore::Kernels::rowToBgra) rowToBgra;
+    decltype(&RecordCore::Kernels::mixUnder) mixUnder;
+    decltype(&RecordCore::Kernels::layOver) layOver;
+    decltype(&RecordCore::Kernels::layConstant) layConstant;
+    decltype(&RecordCore::Kernels::markDifferences) markDifferences;
+};
+
+/// Likewise.
+struct Drawing {
+    static constexpr const char* file = "ombrel-drawing.so";
+    Head head;
+    decltype(&RecordCore::Glyphs::paintPointer) paintPointer;
+    decltype(&RecordCore::Glyphs::paintClick) paintClick;
+    decltype(&RecordCore::Glyphs::captionLine) captionLine;
+    decltype(&RecordCore::Glyphs::pill) pill;
+    decltype(&RecordCore::Glyphs::clockBadge) clockBadge;
+    decltype(&RecordCore::Glyphs::textBlock) textBlock;
+    decltype(&RecordCore::Glyphs::endCard) endCard;
+    decltype(&RecordCore::Glyphs::watermarkBadge) watermarkBadge;
+    decltype(&RecordCore::WallpaperFile::load) loadWallpaper;
+    decltype(&RecordCore::writePng) writePng;
 };
 
 } // namespace OmbrelRecord::Modules

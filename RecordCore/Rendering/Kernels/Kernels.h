@@ -5,7 +5,8 @@
 
 namespace RecordCore {
 
-/// The inner loops of the compositor. Each chooses the widest vector instructions of the processor at run
+/// The inner loops of the compositor. They are a library of their own (RecordCoreKernels), or stand-ins for
+/// one that is loaded at the first call. Each chooses the widest vector instructions of the processor at run
 /// time and computes in integers, so the results are the same on every processor. Pure and callable from
 /// any thread. "Mixing" always means (x × (255 − m) + …) / 255 rounded to nearest.
 namespace Kernels {
@@ -45,7 +46,8 @@ void markDifferences(const std::uint8_t* a, const std::uint8_t* b, int count, in
                      std::uint8_t* changed);
 
 /// Name of the instruction set in use, and how many there are to choose from on this machine. `useTarget`
-/// forces the i-th (for tests; -1 goes back to choosing). Not while other threads use the kernels.
+/// forces the i-th (for tests; -1 goes back to choosing). Not while other threads use the kernels. Not
+/// offered by stand-ins.
 const char* targetName();
 int targetCount();
 void useTarget(int index);
