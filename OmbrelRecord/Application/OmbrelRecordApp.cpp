@@ -13,6 +13,7 @@
 #include <QtCore/QTimer>
 #include <QtCore/QTranslator>
 #include <QtCore/QtPlugin>
+#include <QtGui/QFontMetricsF>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QIcon>
 #include <QtGui/QOffscreenSurface>
@@ -164,13 +165,21 @@ void OmbrelRecordApp::translate(const QLocale& locale) {
         QCoreApplication::installTranslator(translator);
 }
 
-void OmbrelRecordApp::dress() {
+void OmbrelRecordApp::dress(Views* views) {
+    const auto attend = [views] {
+        if (views) views->attend();
+    };
     translate(QLocale::system());
+    attend();
     Theme::loadFonts();
+    attend();
     QFont font(QStringLiteral("Plus Jakarta Sans"));
     font.setPixelSize(13);
     font.setWeight(QFont::Medium);
     QGuiApplication::setFont(font);
+    // What fonts there are is read at the first look at one.
+    (void)QFontMetricsF(font).height();
+    attend();
     if (!qEnvironmentVariableIsSet("QT_QUICK_BACKEND") && !hasGraphics())
         QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
 }
@@ -198,11 +207,22 @@ QUrl OmbrelRecordApp::view(const QString& type) {
     return QUrl(QStringLiteral("qrc:/qt/qml/OmbrelRecord/%1.qml").arg(type));
 }
 
-OmbrelRecordApp::OmbrelRecordApp(AppModel& model, QSettings* settings, QObject* parent) :
-    QObject(parent), model(model), settings(settings) {
+OmbrelRecordApp::Views::Views() {
+    prepare(engine);
+    for (const char* type : {"MainWindow", "HomeView"})
+        ahead.push_back(
+            std::make_unique<QQmlComponent>(&engine, view(QLatin1String(type)), QQmlComponent::Asynchronous));
+}
+
+void OmbrelRecordApp::Views::attend() {
+    // The engine's way of waking the main thread is a posted event of this kind.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::User);
+}
+
+OmbrelRecordApp::OmbrelRecordApp(Views& views, AppModel& model, QSettings* settings, QObject* parent) :
+    QObject(parent), model(model), settings(settings), views(views), engine(views.engine) {
     // While a recording runs no window may be open at all.
     QGuiApplication::setQuitOnLastWindowClosed(false);
-    prepare(engine);
     connect(&model, &AppModel::countdownChanged, this, &OmbrelRecordApp::countdownChanged);
     connect(&model, &AppModel::flowChanged, this, &OmbrelRecordApp::flowChanged);
     connect(&model, &AppModel::questionChanged, this, &OmbrelRecordApp::questionChanged);
@@ -243,6 +263,7 @@ QQuickWindow* OmbrelRecordApp::make(const QString& type) {
 bool OmbrelRecordApp::openMainWindow() {
     if (!window) {
         window = make(QStringLiteral("MainWindow"));
+        views.ahead.clear();
         if (!window) return false;
         // What loads asynchronously is made in the pauses between its frames; without this, in one go.
         engine.setIncubationController(window->incubationController());

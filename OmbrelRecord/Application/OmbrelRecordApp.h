@@ -7,11 +7,13 @@
 #include <QtCore/QPointer>
 #include <QtCore/QSettings>
 #include <QtCore/QUrl>
+#include <QtQml/QQmlComponent>
 #include <QtQml/QQmlEngine>
 #include <QtQuick/QQuickWindow>
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 class QLocale;
 
@@ -32,8 +34,10 @@ public:
     /// The interface in the language of a locale where there is a translation, else in English. `dress` takes
     /// the desktop's.
     static void translate(const QLocale& locale);
-    /// Called once, when there is a QGuiApplication: its fonts, and how windows are drawn here.
-    static void dress();
+    class Views;
+    /// Called once, when there is a QGuiApplication: its fonts, and how windows are drawn here. Attends to
+    /// views that are being read.
+    static void dress(Views* views = nullptr);
     /// Makes an engine able to load our views.
     static void prepare(QQmlEngine& engine);
 
@@ -42,8 +46,23 @@ public:
     /// The file of one of our QML types.
     static QUrl view(const QString& type);
 
-    /// `model` and `settings` outlive the object; settings may be none.
-    OmbrelRecordApp(AppModel& model, QSettings* settings, QObject* parent = nullptr);
+    /// An engine that has begun to read what the main window is made of, on a thread of its own: meanwhile
+    /// the caller can prepare the rest. Needs the QGuiApplication.
+    class Views {
+    public:
+        Views();
+        /// Modules that the reading came upon are set up by the main thread, and it waits until that happens:
+        /// to be called now and then where there is other work in between.
+        void attend();
+
+    private:
+        friend class OmbrelRecordApp;
+        QQmlEngine engine;
+        std::vector<std::unique_ptr<QQmlComponent>> ahead;
+    };
+
+    /// `views`, `model` and `settings` outlive the object; settings may be none.
+    OmbrelRecordApp(Views& views, AppModel& model, QSettings* settings, QObject* parent = nullptr);
     ~OmbrelRecordApp() override;
 
     /// Opens the main window, or shows the one there is. False when it cannot be made.
@@ -75,7 +94,8 @@ private:
 
     AppModel& model;
     QSettings* settings;
-    QQmlEngine engine;
+    Views& views;
+    QQmlEngine& engine;
     QPointer<QQuickWindow> window;
     QPointer<QQuickWindow> counter;
     QPointer<QQuickWindow> panel;

@@ -65,10 +65,12 @@ int Jobs::application(int argc, char** argv, const std::filesystem::path& file) 
     const QString wanted =
         file.empty() ? QString() : QFile::decodeName(std::filesystem::absolute(file).string().c_str());
     if (!instance.claim(wanted)) return 0; // the one that runs already has come to the front
-    OmbrelRecordApp::dress();
+    OmbrelRecordApp::Views views;
+    OmbrelRecordApp::dress(&views);
     Diag::install(OMBREL_VERSION, QSysInfo::prettyProductName().toStdString());
     AppSession session;
-    OmbrelRecordApp windows(session.model(), &session.preferences());
+    views.attend();
+    OmbrelRecordApp windows(views, session.model(), &session.preferences());
     session.windows().openMainWindow = [&windows] { windows.openMainWindow(); };
     QObject::connect(&instance, &SingleInstance::startedAgain, &windows, &OmbrelRecordApp::startedAgain);
     if (!windows.openMainWindow()) {

@@ -141,7 +141,8 @@ TEST_F(Stage, HomeIsUsedWithTheKeyboardAlone) {
 
 TEST_F(Stage, CountdownAndPanelComeAndGoWithTheRecording) {
     // The one screen of the test's platform is the display that is recorded: the panel must not be shown.
-    OmbrelRecordApp application(life.model(), nullptr);
+    OmbrelRecordApp::Views views;
+    OmbrelRecordApp application(views, life.model(), nullptr);
     life.countdown();
     ASSERT_TRUE(application.countdownPanel());
     EXPECT_EQ(application.countdownPanel()->size(), QSize(240, 240));
