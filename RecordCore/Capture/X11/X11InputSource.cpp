@@ -17,6 +17,9 @@ namespace {
 // The server makes up wheel buttons for devices that scroll smoothly and flags them so.
 constexpr std::uint32_t emulatedFlag = XCB_INPUT_POINTER_EVENT_FLAGS_POINTER_EMULATED;
 
+/// Windows within windows that are looked into for one of this program.
+constexpr int deepest = 4;
+
 struct SelectDevices {
     xcb_input_event_mask_t head;
     std::uint32_t mask;
@@ -37,6 +40,7 @@ X11InputSource::X11InputSource() {
         select(presses, XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS);
         select(motions, XCB_INPUT_XI_EVENT_MASK_RAW_MOTION);
     }
+    processId = presses.atom("_NET_WM_PID");
     wake = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     if (wake < 0) throw RecordingError("too many open files");
     presses.waitUntilCut();
@@ -91,6 +95,28 @@ void X11InputSource::drain(const X11Connection& from, const std::function<void(I
     }
 }
 
+bool X11InputSource::ours(xcb_window_t window) const {
+    const auto owner = presses.values(window, processId, XCB_ATOM_CARDINAL);
+    return !owner.empty() && static_cast<pid_t>(owner.front()) == getpid();
+}
+
+bool X11InputSource::pointerOnOurs() const {
+    // From the root down: around a window lies the frame of the window manager.
+    xcb_window_t window = presses.root();
+    for (int depth = 0; depth < deepest; ++depth) {
+        const auto reply = presses.reply<xcb_query_pointer_reply_t>(xcb_query_pointer(presses.get(), window));
+        if (!reply || reply->child == XCB_WINDOW_NONE) return false;
+        window = reply->child;
+        if (ours(window)) return true;
+    }
+    return false;
+}
+
+bool X11InputSource::focusOnOurs() const {
+    const auto focus = presses.reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(presses.get()));
+    return focus && focus->focus > XCB_INPUT_FOCUS_POINTER_ROOT && ours(focus->focus);
+}
+
 void X11InputSource::deliver(const xcb_generic_event_t& event,
                              const std::function<void(InputSignal)>& handler) {
     if ((event.response_type & 0x7F) != XCB_GE_GENERIC) return;
@@ -98,18 +124,18 @@ void X11InputSource::deliver(const xcb_generic_event_t& event,
     if (generic.extension != opcode) return;
     switch (generic.event_type) {
     case XCB_INPUT_RAW_KEY_PRESS:
-        handler(InputSignal::key);
+        if (!focusOnOurs()) handler(InputSignal::key);
         break;
     case XCB_INPUT_RAW_BUTTON_PRESS: {
         const auto& press = reinterpret_cast<const xcb_input_raw_button_press_event_t&>(event);
-        if ((press.flags & emulatedFlag) != 0) break;
+        if ((press.flags & emulatedFlag) != 0 || pointerOnOurs()) break;
         if (press.detail == 1) handler(InputSignal::primaryButton);
         if (press.detail == 3) handler(InputSignal::secondaryButton);
         if (press.detail >= 4 && press.detail <= 7) handler(InputSignal::scroll);
         break;
     }
     case XCB_INPUT_RAW_MOTION:
-        if (isScroll(reinterpret_cast<const xcb_input_raw_motion_event_t&>(event)))
+        if (isScroll(reinterpret_cast<const xcb_input_raw_motion_event_t&>(event)) && !pointerOnOurs())
             handler(InputSignal::scroll);
         break;
     default:
