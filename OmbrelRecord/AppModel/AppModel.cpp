@@ -1,5 +1,7 @@
 #include "OmbrelRecord/AppModel/AppModel.h"
+
 #include "OmbrelRecord/AppModel/AppModelParts.h"
+#include "OmbrelRecord/AppModel/Wording.h"
 #include "OmbrelRecord/EditorModel/EditorModel.h"
 
 #include <QtCore/QMetaObject>
@@ -70,7 +72,7 @@ void AppModel::begin() {
     // The hot key first: whoever sees the displays may press it.
     if (parts.hotKey)
         parts.hotKey->grab(whileAlive(this, [this, look](const std::string& trouble) {
-            hotKeyTrouble = text(trouble);
+            hotKeyTrouble = Wording::translated(trouble);
             if (!trouble.empty()) setProblem(trouble);
             Q_EMIT hotKeyProblemChanged();
             look();
@@ -126,7 +128,7 @@ void AppModel::setMessage(const QString& fresh) {
 }
 
 void AppModel::setProblem(const std::string& description) {
-    currentProblem = text(description);
+    currentProblem = Wording::translated(description);
     Q_EMIT problemChanged();
 }
 

@@ -1,5 +1,6 @@
 #include "OmbrelRecord/EditorModel/CaptionWork.h"
 
+#include "OmbrelRecord/AppModel/Wording.h"
 #include "OmbrelRecord/Transcriber/Language.h"
 
 #include <QtCore/QSettings>
@@ -53,7 +54,7 @@ void CaptionWork::start(Listen listen, std::function<void(Words)> done) {
 
 void CaptionWork::finish(Words words, const QString& failure, const std::function<void(Words)>& done) {
     isWorking = false;
-    if (!*cancelled) trouble = failure;
+    if (!*cancelled) trouble = Wording::translated(failure);
     Q_EMIT changed();
     if (!*cancelled && !words.empty()) done(std::move(words));
 }

@@ -1,6 +1,7 @@
 #include "OmbrelRecord/EditorModel/EditorModel.h"
 
 #include "OmbrelRecord/AppModel/Diag.h"
+#include "OmbrelRecord/AppModel/Wording.h"
 #include "OmbrelRecord/EditorModel/ProjectEditing.h"
 #include "OmbrelRecord/EditorModel/ProjectFields.h"
 #include "OmbrelRecord/EditorModel/ViewLists.h"
@@ -44,7 +45,7 @@ EditorModel::EditorModel(OpenedRecording recording, EditorParts editorParts, QOb
         Diag::log("editor: project not read, starting afresh: " + problem);
     connect(store.get(), &ProjectStore::failed, this, [this](const QString& description) {
         Diag::log("editor: save failed " + description.toStdString());
-        saveProblem = QStringLiteral("Your changes couldn't be saved: ") + description;
+        saveProblem = Wording::translated(QStringLiteral("Your changes couldn't be saved: ") + description);
         Q_EMIT saveFailureChanged();
     });
     cameraThere = opened.camera().has_value();
@@ -550,7 +551,7 @@ QString EditorModel::saveCaptions(const QUrl& file) const {
     } catch (const std::exception& error) {
         Diag::log(std::string("editor: captions not saved ") + error.what());
         return tr("The captions couldn't be saved there: %1. Choose another folder.")
-            .arg(QString::fromUtf8(error.what()));
+            .arg(Wording::translated(std::string_view(error.what())));
     }
 }
 

@@ -1,10 +1,12 @@
 #include "OmbrelRecord/EditorModel/ExportQueue.h"
 
+#include "OmbrelRecord/AppModel/Wording.h"
 #include "RecordCore/Export/Exporter.h"
 
 #include <QtCore/QFileInfo>
 #include <algorithm>
 #include <cmath>
+#include <system_error>
 
 namespace OmbrelRecord {
 
@@ -67,6 +69,10 @@ double ExportQueue::secondsLeft() const {
     return spent / share * (1 - share);
 }
 
+QString ExportQueue::failure() const {
+    return Wording::translated(problem);
+}
+
 void ExportQueue::start(const QStringList& formats, double filmScale, double framesPerSecond) {
     if (now == State::Working || !model || formats.isEmpty()) return;
     queue.clear();
@@ -84,7 +90,8 @@ void ExportQueue::start(const QStringList& formats, double filmScale, double fra
 
 void ExportQueue::next() {
     queue[current].state = QStringLiteral("working");
-    model->revealsExported = false;
+    // Several films are shown in their folder once, when the last of them is there.
+    model->revealsExported = current + 1 == queue.size();
     model->exportFilm(queue[current].format, scale, false, fps);
     Q_EMIT changed();
 }
@@ -179,14 +186,19 @@ double ExportQueue::expectedBytes(const QStringList& formats, double filmScale,
 QString ExportQueue::adviceFor(const QString& failure) {
     if (failure.isEmpty()) return {};
     const auto says = [&failure](const char* text) {
-        return failure.contains(QLatin1String(text), Qt::CaseInsensitive);
+        return failure.contains(QString::fromUtf8(text), Qt::CaseInsensitive);
     };
-    if (says("no space") || says("disk full"))
+    // The system says its part in the user's language where it knows it.
+    const auto causedBy = [&says](std::errc cause) {
+        return says(std::make_error_code(cause).message().c_str());
+    };
+    if (says("no space") || says("disk full") || causedBy(std::errc::no_space_on_device))
         return tr("The disk is full. Free some space, then export again.");
-    if (says("permission denied") || says("read-only"))
+    if (says("permission denied") || says("read-only") || causedBy(std::errc::permission_denied) ||
+        causedBy(std::errc::read_only_file_system))
         return tr(
             "The folder for films can't be written. Check that you may write there, then export again.");
-    if (says("no such file"))
+    if (says("no such file") || causedBy(std::errc::no_such_file_or_directory))
         return tr("A file of the recording is missing. Put it back into the recording's folder, then export "
                   "again.");
     if (says("empty") || says("no frames"))

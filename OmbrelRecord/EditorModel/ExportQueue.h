@@ -42,7 +42,7 @@ public:
     /// −1 while it cannot be told yet.
     double secondsLeft() const;
     /// Why it stopped, as the engine says it, and what to do about it.
-    QString failure() const { return problem; }
+    QString failure() const;
     QString advice() const { return adviceFor(problem); }
 
     /// Ignored while it works.

@@ -1,5 +1,6 @@
 #include "OmbrelRecord/EditorModel/LookPresets.h"
 
+#include "OmbrelRecord/AppModel/Wording.h"
 #include "OmbrelRecord/EditorModel/EditorModel.h"
 #include "OmbrelRecord/EditorModel/ProjectFields.h"
 #include "RecordCore/Model/AtomicFile.h"
@@ -33,7 +34,7 @@ LookPresets::LookPresets(std::filesystem::path file, QObject* parent) :
     LookPresetFile::Contents contents = LookPresetFile::load(this->file);
     own = std::move(contents.looks);
     unreadable = !contents.problem.empty();
-    problem = QString::fromStdString(contents.problem);
+    problem = Wording::translated(contents.problem);
 }
 
 std::filesystem::path LookPresets::standardFile() {
@@ -184,7 +185,7 @@ void LookPresets::keep() {
         LookPresetFile::save(file, own);
         unreadable = false;
     } catch (const std::exception& error) {
-        now = QString::fromUtf8(error.what());
+        now = Wording::translated(std::string_view(error.what()));
     }
     if (now == problem) return;
     problem = now;

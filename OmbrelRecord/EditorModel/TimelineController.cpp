@@ -521,6 +521,15 @@ bool TimelineController::selectionRestorable() const {
     });
 }
 
+bool TimelineController::selectionInFilm() const {
+    const auto* range = model ? std::get_if<TimeRange>(&model->selection()) : nullptr;
+    if (!range) return false;
+    const std::vector<TimeRange> kept = model->project().kept(model->duration());
+    return std::any_of(kept.begin(), kept.end(), [range](const TimeRange& piece) {
+        return piece.end > range->start + 1e-6 && piece.start < range->end - 1e-6;
+    });
+}
+
 bool TimelineController::selectNeighbour(Zone lane, int direction) {
     if (!model) return false;
     const std::vector<TimeRange> blocks = lanes().ranges(laneOf(lane));

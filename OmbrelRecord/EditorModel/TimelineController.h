@@ -38,6 +38,7 @@ class TimelineController : public QObject {
     Q_PROPERTY(QString selectionKind READ selectionKind NOTIFY selectionMoved)
     Q_PROPERTY(QString selectionText READ selectionText NOTIFY selectionMoved)
     Q_PROPERTY(bool selectionRestorable READ selectionRestorable NOTIFY selectionMoved)
+    Q_PROPERTY(bool selectionInFilm READ selectionInFilm NOTIFY selectionMoved)
 
 public:
     enum class Zone { None, Ruler, Film, Sound, Activity, Speed, Zoom };
@@ -90,6 +91,8 @@ public:
     QString selectionText() const;
     /// Whether the selected range holds anything that was cut.
     bool selectionRestorable() const;
+    /// Whether any of the selected range is in the film.
+    bool selectionInFilm() const;
 
     /// A block that is being drawn on an empty stretch of a lane.
     struct Draft {

@@ -9,6 +9,9 @@ Item {
     readonly property var project: editor.project
     property bool exporting: false
     property real exportProgress: 0
+    /// How the export ended that nobody has looked at yet, and whether badly.
+    property string exportOutcome
+    property bool exportFailed: false
 
     signal backRequested()
     signal exportRequested()
@@ -110,9 +113,9 @@ Item {
         Button {
             objectName: "export"
             kind: "filled"
-            iconName: "export"
-            text: root.exporting ? qsTr("Exporting %1 %").arg(Math.round(root.exportProgress * 100)) : qsTr("Export")
-            tip: qsTr("Make the film")
+            iconName: root.exportOutcome.length === 0 ? "export" : root.exportFailed ? "warning" : "check"
+            text: root.exportOutcome.length > 0 ? root.exportOutcome : root.exporting ? qsTr("Exporting %1 %").arg(Math.round(root.exportProgress * 100)) : qsTr("Export")
+            tip: root.exportOutcome.length > 0 || root.exporting ? qsTr("Show the export") : qsTr("Make the film")
             keys: qsTr("Ctrl E")
             focusPolicy: Qt.TabFocus
             onClicked: root.exportRequested()

@@ -97,6 +97,8 @@ FocusScope {
         editor: root.editor
         exporting: sheet.queue.state === ExportQueue.Working
         exportProgress: sheet.queue.progress
+        exportOutcome: sheet.outcome
+        exportFailed: sheet.phase === ExportQueue.Failed
         onBackRequested: root.backRequested()
         onExportRequested: sheet.open()
         onHelpRequested: help.open()

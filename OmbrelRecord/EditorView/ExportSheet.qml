@@ -14,6 +14,10 @@ T.Popup {
     property real scale_: 1
     property real rate: 60
     readonly property int phase: queue.state
+    /// The work has ended while the sheet was put away.
+    property bool unseen: false
+    readonly property string outcome: !unseen ? "" : phase === ExportQueue.Failed ? qsTr("The export stopped")
+        : queue.films.length === 1 ? qsTr("Your film is ready") : qsTr("Your films are ready")
 
     readonly property var formats: [
         { value: "16:9", name: qsTr("YouTube"), w: 1920, h: 1080, icon: "format-wide" },
@@ -49,11 +53,13 @@ T.Popup {
             queue.start(chosen, scale_, rate);
     }
 
+    onPhaseChanged: unseen = !opened && (phase === ExportQueue.Done || phase === ExportQueue.Failed)
     onAboutToShow: {
-        if (queue.state !== ExportQueue.Working) {
+        if (queue.state !== ExportQueue.Working && !unseen) {
             queue.clear();
             chosen = [project.format];
         }
+        unseen = false;
     }
     onOpened: (queue.state === ExportQueue.Idle ? go : contentItem).forceActiveFocus(Qt.TabFocusReason)
 

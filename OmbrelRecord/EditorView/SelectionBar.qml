@@ -50,7 +50,7 @@ Rectangle {
 
         // A range.
         Action {
-            visible: root.kind === "range"
+            visible: root.kind === "range" && root.hand.selectionInFilm
             iconName: "cut"
             text: qsTr("Cut")
             tip: qsTr("Take this stretch out of the film")
@@ -58,7 +58,7 @@ Rectangle {
             onClicked: root.hand.cutSelection()
         }
         Action {
-            visible: root.kind === "range"
+            visible: root.kind === "range" && root.hand.selectionInFilm
             iconName: "fast"
             text: qsTr("Speed up")
             tip: qsTr("Play this stretch four times as fast")
@@ -68,7 +68,7 @@ Rectangle {
             }
         }
         Action {
-            visible: root.kind === "range"
+            visible: root.kind === "range" && root.hand.selectionInFilm
             iconName: "zoom-in"
             text: qsTr("Add zoom")
             tip: qsTr("Zoom in on what happens in this stretch")

@@ -19,6 +19,8 @@ constexpr double blockRadius = 7;
 constexpr double gripWidth = 3;
 /// Clicks that stand closer than this are one mark.
 constexpr double clickPixels = 3;
+/// On a selected block of either lane; white is too faint on both.
+const QColor inkOnBlock(0x14, 0x16, 0x1b);
 
 QColor mixed(const QColor& a, const QColor& b, double share) {
     const auto channel = [share](float from, float to) {
@@ -445,7 +447,7 @@ void TimelineLayer::paintLane(QPainter& painter, Zone lane) const {
             // A small picture of where the camera looks.
             const double x = std::clamp(rect.left() + 12, 12.0, rect.right() - 36);
             const QRectF frame(x, rect.center().y() - 6.5, 22, 13);
-            const QColor ink = chosen ? surface : color;
+            const QColor ink = chosen ? inkOnBlock : color;
             painter.setPen(QPen(withAlpha(ink, 0.55), 1));
             painter.setBrush(Qt::NoBrush);
             painter.drawRoundedRect(frame.adjusted(0.5, 0.5, -0.5, -0.5), 2, 2);
@@ -487,8 +489,7 @@ void TimelineLayer::paintBlock(QPainter& painter, const QRectF& block, const QCo
     painter.fillPath(shape, selected ? color : mixed(surface, color, hovered ? 0.34 : 0.24));
     painter.strokePath(shape, QPen(selected ? color : mixed(surface, color, 0.72), 1));
 
-    const QColor ink = selected ? (color.lightnessF() > 0.58 ? QColor(0x14, 0x16, 0x1b) : QColor(Qt::white))
-                                : mixed(text, color, 0.25);
+    const QColor ink = selected ? inkOnBlock : mixed(text, color, 0.25);
     if (selected || hovered) {
         // The handle pair.
         painter.setPen(Qt::NoPen);

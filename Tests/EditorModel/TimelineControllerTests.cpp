@@ -130,6 +130,7 @@ TEST_F(TimelineControllerTest, RangesAreSelectedCutAndRestored) {
     timeline.press(x(62), y(Zone::Film));
     timeline.release();
     EXPECT_TRUE(timeline.selectionRestorable()) << "a click into a cut selects it";
+    EXPECT_FALSE(timeline.selectionInFilm()) << "nothing of it can be cut, sped up or zoomed into";
     timeline.restoreSelection();
     EXPECT_TRUE(model->project().cuts.empty());
     drag(72, 76, Zone::Film);
@@ -200,7 +201,8 @@ TEST_F(TimelineControllerTest, FilmsAreExportedOneAfterTheOther) {
     queue.start({QStringLiteral("16:9"), QStringLiteral("9:16")}, 1, 30);
     ASSERT_TRUE(until([&] { return queue.state() == ExportQueue::State::Done; }));
     EXPECT_THAT(made, testing::ElementsAre("Recording 1 – YouTube.mp4", "Recording 1 – Shorts.mp4"));
-    EXPECT_TRUE(desktop.revealed.empty()) << "several films do not open a window each";
+    ASSERT_EQ(desktop.revealed.size(), 1u) << "several films do not open a window each";
+    EXPECT_EQ(desktop.revealed.front().filename(), "Recording 1 – Shorts.mp4");
     EXPECT_EQ(queue.progress(), 1);
     EXPECT_EQ(queue.url(1).fileName(), QStringLiteral("Recording 1 – Shorts.mp4"));
 

@@ -1,3 +1,4 @@
+#include "OmbrelRecord/AppModel/Wording.h"
 #include "OmbrelRecord/Application/OmbrelRecordApp.h"
 #include "OmbrelRecord/Application/StillLife.h"
 #include "OmbrelRecord/Entry/Backends.h"
@@ -13,6 +14,8 @@
 #include <gmock/gmock.h>
 #include <set>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace OmbrelRecord {
@@ -69,8 +72,34 @@ TEST(Translations, FollowTheLanguageOfTheDesktop) {
     EXPECT_EQ(said("ExportSheet", "Your film is ready"), QStringLiteral("Ihr Film ist fertig"));
     EXPECT_EQ(said("OmbrelRecord::LookPresets", "My look"), QStringLiteral("Mein Stil"));
     EXPECT_EQ(said("LookPresets", "Paper"), QStringLiteral("Papier"));
+    EXPECT_EQ(said("FileDialog", "File name"), QStringLiteral("Dateiname")) << "the toolkit's own dialog";
     OmbrelRecordApp::translate(QLocale::c());
     EXPECT_EQ(said("ExportSheet", "Your film is ready"), QStringLiteral("Your film is ready"));
+}
+
+TEST(Translations, WhatTheEngineSaysIsTranslatedPartByPart) {
+    if (!QFile::exists(QStringLiteral(":/translations/ombrel-record_de.qm")))
+        GTEST_SKIP() << "built without translations";
+    const std::pair<const char*, const char*> cases[] = {
+        {"", ""},
+        {"/films/a: b.mp4: cannot be written: No space left on device",
+         "/films/a: b.mp4: lässt sich nicht schreiben: kein Platz mehr auf der Festplatte"},
+        {"a.mp4: the file is cut off: it holds 5 bytes of at least 9: End of file",
+         "a.mp4: die Datei ist abgeschnitten: Sie enthält 5 Byte von mindestens 9: Ende der Datei"},
+        {"there is no window 12", "das Fenster 12 gibt es nicht"},
+        {"Super+Alt+R doesn't work here (the X server does not answer any more). Use the Record button.",
+         "Super+Alt+R geht hier nicht (der X-Server antwortet nicht mehr). Nehmen Sie den Knopf "
+         "„Aufnehmen“."},
+        {"Aufnahme beendet: camera busy", "Aufnahme beendet: die Kamera ist belegt"},
+        {"something new: %1 of it", "something new: %1 of it"},
+    };
+    for (const auto& [english, german] : cases) {
+        OmbrelRecordApp::translate(QLocale::c());
+        EXPECT_EQ(Wording::translated(std::string_view(english)), QString::fromUtf8(english));
+        OmbrelRecordApp::translate(QLocale(QLocale::German));
+        EXPECT_EQ(Wording::translated(std::string_view(english)).toStdString(), german);
+    }
+    OmbrelRecordApp::translate(QLocale::c());
 }
 
 void findCutOff(QQuickItem& item, const std::string& where, std::set<std::string>& found) {

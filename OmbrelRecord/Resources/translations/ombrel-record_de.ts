@@ -716,6 +716,10 @@
         <source>Ctrl E</source>
         <translation>Strg E</translation>
     </message>
+    <message>
+        <source>Show the export</source>
+        <translation>Zeigt den Export</translation>
+    </message>
 </context>
 <context>
     <name>ExportSheet</name>
@@ -910,6 +914,32 @@
     <message>
         <source>Export %1 films</source>
         <translation>%1 Filme exportieren</translation>
+    </message>
+</context>
+<context>
+    <name>FallbackFileDialog</name>
+    <message>
+        <source>Save</source>
+        <translation>Sichern</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+</context>
+<context>
+    <name>FileDialog</name>
+    <message>
+        <source>File name</source>
+        <translation>Dateiname</translation>
+    </message>
+    <message>
+        <source>Filter</source>
+        <translation>Filter</translation>
     </message>
 </context>
 <context>
@@ -1594,6 +1624,337 @@
     <message>
         <source>%1 · %2 → %3</source>
         <translation>%1 · %2 → %3</translation>
+    </message>
+</context>
+<context>
+    <name>OmbrelRecord::Wording</name>
+    <message>
+        <source>Ombrel Record can&apos;t use the microphone. Turn it on in Settings → Privacy → Microphone.</source>
+        <translation>Ombrel Record darf das Mikrofon nicht verwenden. Erlauben Sie es unter Einstellungen → Datenschutz → Mikrofon.</translation>
+    </message>
+    <message>
+        <source>Ombrel Record can&apos;t use the camera. Turn it on in Settings → Privacy → Camera.</source>
+        <translation>Ombrel Record darf die Kamera nicht verwenden. Erlauben Sie es unter Einstellungen → Datenschutz → Kamera.</translation>
+    </message>
+    <message>
+        <source>Ombrel Record can&apos;t see this screen. Log in to a desktop session, allow screen recording when it asks, and try again.</source>
+        <translation>Ombrel Record sieht diesen Bildschirm nicht. Melden Sie sich an einem Desktop an, erlauben Sie die Aufnahme des Bildschirms, wenn danach gefragt wird, und versuchen Sie es noch einmal.</translation>
+    </message>
+    <message>
+        <source>Super+Alt+R belongs to another program, so it doesn&apos;t start a recording here. Use the Record button.</source>
+        <translation>Super+Alt+R gehört einem anderen Programm und beginnt hier keine Aufnahme. Nehmen Sie den Knopf „Aufnehmen“.</translation>
+    </message>
+    <message>
+        <source>Super+Alt+R doesn&apos;t work in a Wayland session yet. Use the Record button.</source>
+        <translation>Super+Alt+R geht in einer Wayland-Sitzung noch nicht. Nehmen Sie den Knopf „Aufnehmen“.</translation>
+    </message>
+    <message>
+        <source>Super+Alt+R doesn&apos;t work here (%1). Use the Record button.</source>
+        <translation>Super+Alt+R geht hier nicht (%1). Nehmen Sie den Knopf „Aufnehmen“.</translation>
+    </message>
+    <message>
+        <source>Couldn&apos;t open that video</source>
+        <translation>Dieses Video lässt sich nicht öffnen</translation>
+    </message>
+    <message>
+        <source>there is no folder for the sample, because your home folder isn&apos;t known.</source>
+        <translation>Für das Beispiel ist kein Ordner da, denn Ihr Heimatverzeichnis ist nicht bekannt.</translation>
+    </message>
+    <message>
+        <source>The camera couldn&apos;t start, so this recording has no camera</source>
+        <translation>Die Kamera ließ sich nicht starten, diese Aufnahme hat deshalb keine</translation>
+    </message>
+    <message>
+        <source>Ombrel Record needs Speech Recognition. Allow it in your desktop&apos;s privacy settings.</source>
+        <translation>Ombrel Record braucht die Spracherkennung. Erlauben Sie sie in den Datenschutz-Einstellungen Ihres Desktops.</translation>
+    </message>
+    <message>
+        <source>Speech recognition isn&apos;t available for this language on this computer.</source>
+        <translation>Für diese Sprache gibt es auf diesem Computer keine Spracherkennung.</translation>
+    </message>
+    <message>
+        <source>Couldn&apos;t read the recording&apos;s sound.</source>
+        <translation>Der Ton der Aufnahme lässt sich nicht lesen.</translation>
+    </message>
+    <message>
+        <source>Couldn&apos;t prepare the sound for captions.</source>
+        <translation>Der Ton lässt sich nicht für Untertitel aufbereiten.</translation>
+    </message>
+    <message>
+        <source>This recording has no sound. Turn on Mic before recording to get captions.</source>
+        <translation>Diese Aufnahme hat keinen Ton. Schalten Sie vor der Aufnahme das Mikrofon ein, um Untertitel zu bekommen.</translation>
+    </message>
+    <message>
+        <source>No speech found. Record with Mic on to get captions.</source>
+        <translation>Keine Sprache gefunden. Nehmen Sie mit Mikrofon auf, um Untertitel zu bekommen.</translation>
+    </message>
+    <message>
+        <source>Your changes couldn&apos;t be saved</source>
+        <translation>Ihre Änderungen ließen sich nicht sichern</translation>
+    </message>
+    <message>
+        <source>cannot be written</source>
+        <translation>lässt sich nicht schreiben</translation>
+    </message>
+    <message>
+        <source>cannot be read</source>
+        <translation>lässt sich nicht lesen</translation>
+    </message>
+    <message>
+        <source>cannot be created</source>
+        <translation>lässt sich nicht anlegen</translation>
+    </message>
+    <message>
+        <source>couldn&apos;t be moved to the trash</source>
+        <translation>lässt sich nicht in den Papierkorb legen</translation>
+    </message>
+    <message>
+        <source>no such folder</source>
+        <translation>diesen Ordner gibt es nicht</translation>
+    </message>
+    <message>
+        <source>there is no recording here</source>
+        <translation>hier ist keine Aufnahme</translation>
+    </message>
+    <message>
+        <source>holds a recording already</source>
+        <translation>enthält schon eine Aufnahme</translation>
+    </message>
+    <message>
+        <source>another recording is running there</source>
+        <translation>dort läuft eine andere Aufnahme</translation>
+    </message>
+    <message>
+        <source>still being recorded</source>
+        <translation>wird noch aufgenommen</translation>
+    </message>
+    <message>
+        <source>the disk is full</source>
+        <translation>die Festplatte ist voll</translation>
+    </message>
+    <message>
+        <source>not a plain file</source>
+        <translation>keine gewöhnliche Datei</translation>
+    </message>
+    <message>
+        <source>not a regular file</source>
+        <translation>keine gewöhnliche Datei</translation>
+    </message>
+    <message>
+        <source>not a recording of this program</source>
+        <translation>keine Aufnahme dieses Programms</translation>
+    </message>
+    <message>
+        <source>is not valid JSON (at byte %1)</source>
+        <translation>ist kein gültiges JSON (bei Byte %1)</translation>
+    </message>
+    <message>
+        <source>has no list of looks</source>
+        <translation>enthält keine Stile</translation>
+    </message>
+    <message>
+        <source>nothing can be recovered</source>
+        <translation>nichts lässt sich retten</translation>
+    </message>
+    <message>
+        <source>the file has no header</source>
+        <translation>die Datei hat keinen Kopf</translation>
+    </message>
+    <message>
+        <source>not a video that can be read</source>
+        <translation>kein Video, das sich lesen lässt</translation>
+    </message>
+    <message>
+        <source>the file is empty</source>
+        <translation>die Datei ist leer</translation>
+    </message>
+    <message>
+        <source>the file has no video</source>
+        <translation>die Datei enthält kein Video</translation>
+    </message>
+    <message>
+        <source>the file is cut off</source>
+        <translation>die Datei ist abgeschnitten</translation>
+    </message>
+    <message>
+        <source>the file is cut off: it holds %1 bytes of at least %2</source>
+        <translation>die Datei ist abgeschnitten: Sie enthält %1 Byte von mindestens %2</translation>
+    </message>
+    <message>
+        <source>the picture is too large (%1)</source>
+        <translation>das Bild ist zu groß (%1)</translation>
+    </message>
+    <message>
+        <source>the picture has no size</source>
+        <translation>das Bild hat keine Größe</translation>
+    </message>
+    <message>
+        <source>it has no length</source>
+        <translation>es hat keine Länge</translation>
+    </message>
+    <message>
+        <source>it holds no pictures</source>
+        <translation>es enthält keine Bilder</translation>
+    </message>
+    <message>
+        <source>the video has no length</source>
+        <translation>das Video hat keine Länge</translation>
+    </message>
+    <message>
+        <source>the video has no frames</source>
+        <translation>das Video enthält keine Bilder</translation>
+    </message>
+    <message>
+        <source>the video is in a format that cannot be read (%1)</source>
+        <translation>das Video hat ein Format, das sich nicht lesen lässt (%1)</translation>
+    </message>
+    <message>
+        <source>the video claims to be longer than 100 hours; it is probably damaged</source>
+        <translation>das Video will länger als 100 Stunden sein; wahrscheinlich ist es beschädigt</translation>
+    </message>
+    <message>
+        <source>no picture of the video can be decoded</source>
+        <translation>kein Bild des Videos lässt sich entschlüsseln</translation>
+    </message>
+    <message>
+        <source>the sound is in a format that cannot be read (%1)</source>
+        <translation>der Ton hat ein Format, das sich nicht lesen lässt (%1)</translation>
+    </message>
+    <message>
+        <source>the sound claims to be longer than 100 hours; it is probably damaged</source>
+        <translation>der Ton will länger als 100 Stunden sein; wahrscheinlich ist er beschädigt</translation>
+    </message>
+    <message>
+        <source>no display to record</source>
+        <translation>kein Bildschirm zum Aufnehmen</translation>
+    </message>
+    <message>
+        <source>there is no display %1</source>
+        <translation>den Bildschirm %1 gibt es nicht</translation>
+    </message>
+    <message>
+        <source>there is no window %1</source>
+        <translation>das Fenster %1 gibt es nicht</translation>
+    </message>
+    <message>
+        <source>window %1 is too small to be recorded</source>
+        <translation>das Fenster %1 ist zu klein zum Aufnehmen</translation>
+    </message>
+    <message>
+        <source>the X server does not answer any more</source>
+        <translation>der X-Server antwortet nicht mehr</translation>
+    </message>
+    <message>
+        <source>no frames were captured</source>
+        <translation>es wurde kein Bild aufgenommen</translation>
+    </message>
+    <message>
+        <source>no camera</source>
+        <translation>keine Kamera</translation>
+    </message>
+    <message>
+        <source>camera busy</source>
+        <translation>die Kamera ist belegt</translation>
+    </message>
+    <message>
+        <source>camera output</source>
+        <translation>die Kamera liefert kein Bild</translation>
+    </message>
+    <message>
+        <source>the camera is gone</source>
+        <translation>die Kamera ist weg</translation>
+    </message>
+    <message>
+        <source>there is no sound service</source>
+        <translation>es läuft kein Tondienst</translation>
+    </message>
+    <message>
+        <source>no connection to the sound service</source>
+        <translation>keine Verbindung zum Tondienst</translation>
+    </message>
+    <message>
+        <source>recording stopped</source>
+        <translation>Aufnahme beendet</translation>
+    </message>
+    <message>
+        <source>the H.264 encoder failed</source>
+        <translation>der H.264-Encoder ist ausgefallen</translation>
+    </message>
+    <message>
+        <source>the film would be empty: everything has been cut</source>
+        <translation>der Film wäre leer: Alles ist herausgeschnitten</translation>
+    </message>
+    <message>
+        <source>append failed at frame %1</source>
+        <translation>Bild %1 ließ sich nicht anfügen</translation>
+    </message>
+    <message>
+        <source>unknown error</source>
+        <translation>unbekannter Fehler</translation>
+    </message>
+    <message>
+        <source>No space left on device</source>
+        <translation>kein Platz mehr auf der Festplatte</translation>
+    </message>
+    <message>
+        <source>Permission denied</source>
+        <translation>keine Berechtigung</translation>
+    </message>
+    <message>
+        <source>Operation not permitted</source>
+        <translation>nicht erlaubt</translation>
+    </message>
+    <message>
+        <source>Read-only file system</source>
+        <translation>das Dateisystem ist schreibgeschützt</translation>
+    </message>
+    <message>
+        <source>No such file or directory</source>
+        <translation>Datei oder Ordner gibt es nicht</translation>
+    </message>
+    <message>
+        <source>Not a directory</source>
+        <translation>kein Ordner</translation>
+    </message>
+    <message>
+        <source>Is a directory</source>
+        <translation>ist ein Ordner</translation>
+    </message>
+    <message>
+        <source>File exists</source>
+        <translation>die Datei gibt es schon</translation>
+    </message>
+    <message>
+        <source>File too large</source>
+        <translation>die Datei ist zu groß</translation>
+    </message>
+    <message>
+        <source>File name too long</source>
+        <translation>der Dateiname ist zu lang</translation>
+    </message>
+    <message>
+        <source>Disk quota exceeded</source>
+        <translation>Ihr Speicherplatz ist aufgebraucht</translation>
+    </message>
+    <message>
+        <source>Input/output error</source>
+        <translation>Ein-/Ausgabefehler</translation>
+    </message>
+    <message>
+        <source>Too many open files</source>
+        <translation>zu viele offene Dateien</translation>
+    </message>
+    <message>
+        <source>Cannot allocate memory</source>
+        <translation>der Speicher reicht nicht</translation>
+    </message>
+    <message>
+        <source>Invalid data found when processing input</source>
+        <translation>die Daten sind ungültig</translation>
+    </message>
+    <message>
+        <source>End of file</source>
+        <translation>Ende der Datei</translation>
     </message>
 </context>
 <context>
