@@ -43,6 +43,8 @@ void ApplicationWindows::hide() {
     hiddenWindows.clear();
     for (QWindow* window : mainWindows()) {
         if (!window->isVisible()) continue;
+        // It comes back where the user had it: a place asked for is kept, others are the window manager's.
+        if (window->windowState() == Qt::WindowNoState) window->setGeometry(window->geometry());
         window->hide();
         hiddenWindows.emplace_back(window);
     }

@@ -19,6 +19,8 @@
 #include <QtGui/QOffscreenSurface>
 #include <QtGui/QOpenGLContext>
 #include <QtGui/QOpenGLFunctions>
+#include <QtGui/QPainterPath>
+#include <QtGui/QRegion>
 #include <QtGui/QScreen>
 #include <QtQml/QQmlAbstractUrlInterceptor>
 #include <QtQml/QQmlComponent>
@@ -119,6 +121,18 @@ std::vector<PanelPlacement::Display> displays() {
     return found;
 }
 
+/// Cuts a panel's window to its outline, for desktops that show what is transparent as black. The window
+/// keeps a little more than is drawn, so that the outline stays smooth on the others. To be called when the
+/// panel has its place: one that is moved between being made and being shown may be told a wrong one.
+void shape(QQuickWindow& panel, int inset, int radius) {
+    QPainterPath outline;
+    outline.addRoundedRect(QRectF(QPointF(), panel.size()).adjusted(inset, inset, -inset, -inset), radius,
+                           radius);
+    panel.create();
+    panel.setMask(QRegion(outline.toFillPolygon().toPolygon()));
+}
+
+constexpr QSize panelSize(320, 82);
 constexpr auto geometryKey = "window/geometry";
 constexpr auto maximizedKey = "window/maximized";
 
@@ -323,7 +337,7 @@ void OmbrelRecordApp::remember() {
     if (!maximized) settings->setValue(QLatin1String(geometryKey), window->geometry());
 }
 
-std::optional<QRect> OmbrelRecordApp::panelPlace() const {
+std::optional<QRect> OmbrelRecordApp::panelPlace(QSize size) const {
     QRect recorded = model.recordedFrame();
     if (model.windowID() != 0)
         for (const RecordCore::WindowInfo& candidate : model.windows())
@@ -331,7 +345,7 @@ std::optional<QRect> OmbrelRecordApp::panelPlace() const {
                 recorded = QRectF(candidate.frame.x, candidate.frame.y, candidate.frame.width,
                                   candidate.frame.height)
                                .toAlignedRect();
-    return PanelPlacement::place(displays(), QSize(320, 82), recorded);
+    return PanelPlacement::place(displays(), size, recorded);
 }
 
 /// Out of sight at once; it goes later, for it may be a button of its own that ended it.
@@ -347,7 +361,8 @@ void OmbrelRecordApp::countdownChanged() {
     if (counter) return;
     counter = make(QStringLiteral("CountdownPanel"));
     if (!counter) return;
-    if (!panelPlace() && model.hotKeyProblem().isEmpty()) counter->setProperty("keys", model.hotKeyName());
+    if (!panelPlace(panelSize) && model.hotKeyProblem().isEmpty())
+        counter->setProperty("keys", model.hotKeyName());
     const QRect recorded = model.recordedFrame();
     for (const PanelPlacement::Display& display : displays()) {
         if (!display.frame.contains(recorded.center())) continue;
@@ -356,6 +371,7 @@ void OmbrelRecordApp::countdownChanged() {
                              display.origin.y() + (points.height() - counter->height()) / 2);
         break;
     }
+    shape(*counter, 14, 106);
     counter->show();
 }
 
@@ -366,10 +382,11 @@ void OmbrelRecordApp::flowChanged() {
         return;
     }
     if (panel || tray) return;
-    if (const std::optional<QRect> place = panelPlace()) {
+    if (const std::optional<QRect> place = panelPlace(panelSize)) {
         panel = make(QStringLiteral("RecordingPanel"));
         if (!panel) return;
         panel->setPosition(place->topLeft());
+        shape(*panel, 0, 19);
         panel->show();
         return;
     }
@@ -387,9 +404,14 @@ void OmbrelRecordApp::questionChanged() {
     }
     if (!question) question = make(QStringLiteral("QuestionPanel"));
     if (!question) return;
-    // Where the panel is, so that it is not recorded either.
-    const QScreen* screen = panel ? panel->screen() : QGuiApplication::primaryScreen();
-    if (screen) {
+    // Next to the panel, where neither it nor the click that answers it is recorded.
+    constexpr QMargins room(8, 40, 8, 8); // for the frame that the desktop puts around it
+    constexpr int beside = panelSize.height() + PanelPlacement::margin;
+    const QSize framed = question->size().grownBy(room);
+    if (const auto place = panelPlace(framed.grownBy({0, 0, 0, beside}))) {
+        const bool below = panel && panel->y() < place->center().y();
+        question->setPosition(place->topLeft() + QPoint(room.left(), room.top() + (below ? beside : 0)));
+    } else if (const QScreen* screen = panel ? panel->screen() : QGuiApplication::primaryScreen()) {
         const QRect visible = screen->availableGeometry();
         question->setPosition(visible.center() - QPoint(question->width() / 2, question->height() / 2));
     }

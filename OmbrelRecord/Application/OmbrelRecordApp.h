@@ -88,7 +88,7 @@ private:
     void countdownChanged();
     void flowChanged();
     void questionChanged();
-    std::optional<QRect> panelPlace() const;
+    std::optional<QRect> panelPlace(QSize size) const;
     void restore();
     void remember();
 

@@ -14,14 +14,17 @@ Loader {
     property string keys
     property bool shown: false
 
+    property bool used: false
+
     active: shown && text.length > 0
+    onShownChanged: if (!shown) used = false
     anchors.fill: parent
 
     sourceComponent: T.ToolTip {
         id: tip
 
         delay: 600
-        visible: true
+        visible: !root.used
         parent: root.parent
         x: Math.round((parent.width - width) / 2)
         y: -height - 8
@@ -32,6 +35,14 @@ Loader {
         implicitWidth: content.implicitWidth + leftPadding + rightPadding
         implicitHeight: content.implicitHeight + topPadding + bottomPadding
         closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent | T.Popup.CloseOnReleaseOutsideParent
+
+        // Whoever has pressed the control knows what it does, and wants to see what came of it.
+        Connections {
+            target: root.parent
+            ignoreUnknownSignals: true
+            // Only out of sight: the press is still on its way.
+            function onPressedChanged() { root.used = true; }
+        }
 
         contentItem: Row {
             id: content
