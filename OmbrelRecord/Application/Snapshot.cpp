@@ -33,15 +33,14 @@ std::string picture(QQmlEngine& engine, const Snapshot::View& view, const QStrin
     auto* item = qobject_cast<QQuickItem*>(object.get());
     if (!item) return view.name.toStdString() + ": " + component.errorString().toStdString();
 
-    // As the main window mirrors itself where text runs from right to left (-reverse).
-    if (QGuiApplication::isRightToLeft()) {
-        QQmlProperty(item, QStringLiteral("LayoutMirroring.enabled"), qmlContext(item)).write(true);
-        QQmlProperty(item, QStringLiteral("LayoutMirroring.childrenInherit"), qmlContext(item)).write(true);
-    }
-
     QQuickWindow window;
     window.setColor(Qt::transparent);
     window.resize(view.size);
+    // As the main window mirrors itself where text runs from right to left (-reverse), what pops up in it,
+    // too.
+    if (QGuiApplication::isRightToLeft())
+        for (const char* property : {"LayoutMirroring.enabled", "LayoutMirroring.childrenInherit"})
+            QQmlProperty(&window, QLatin1String(property), qmlContext(item)).write(true);
     item->setParentItem(window.contentItem());
     item->setSize(view.size);
     window.show();

@@ -68,7 +68,7 @@ T.Popup {
                     onClicked: popup.close()
                 }
             }
-            Label { text: qsTr("Displays"); secondary: true; font: Theme.strong }
+            Label { width: parent.width; text: qsTr("Displays"); secondary: true; font: Theme.strong }
             Flow {
                 width: parent.width
                 spacing: Theme.s
@@ -97,7 +97,7 @@ T.Popup {
                 text: qsTr("No display can be seen. Log in to a desktop session and open this again.")
                 secondary: true
             }
-            Label { text: qsTr("Windows"); secondary: true; font: Theme.strong }
+            Label { width: parent.width; text: qsTr("Windows"); secondary: true; font: Theme.strong }
             Flow {
                 width: parent.width
                 spacing: Theme.s

@@ -50,8 +50,24 @@ Rectangle {
         font: Theme.title
         Accessible.name: qsTr("Recorded so far: %1").arg(text)
     }
+    // What the button under the pointer does.
+    Text {
+        anchors { left: lamp.left; right: buttons.left; top: time.bottom; topMargin: 6 }
+        height: 16
+        verticalAlignment: Text.AlignVCenter
+        visible: level.hinted
+        text: discard.hovered ? discard.tip : stop.keys
+        textFormat: Text.PlainText
+        font: Theme.tiny
+        color: "#ECEEF3"
+        elide: Text.ElideRight
+        Accessible.ignored: true
+    }
     // The microphone's level, or what is recorded without one.
     Item {
+        id: level
+        readonly property bool hinted: discard.hovered || (stop.hovered && stop.keys.length > 0)
+        visible: !hinted
         anchors { left: lamp.left; top: time.bottom; topMargin: 6 }
         width: 132
         height: 16
@@ -92,10 +108,12 @@ Rectangle {
         }
     }
     Row {
+        id: buttons
         anchors { right: parent.right; rightMargin: 14; verticalCenter: parent.verticalCenter }
         spacing: 4
 
         IconButton {
+            id: discard
             implicitWidth: 44
             implicitHeight: 50
             iconName: "discard"
@@ -105,6 +123,7 @@ Rectangle {
             onClicked: root.app.discardRecording()
         }
         Button {
+            id: stop
             // In other languages the word is longer; the meter ends before it.
             width: Math.max(98, implicitWidth)
             implicitHeight: 50

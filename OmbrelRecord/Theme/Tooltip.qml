@@ -16,7 +16,10 @@ Loader {
 
     property bool used: false
 
-    active: shown && text.length > 0
+    // A window hardly larger than its controls has no room for one beside them.
+    function fits() { return Window.height > 160; }
+
+    active: shown && text.length > 0 && fits()
     onShownChanged: if (!shown) used = false
     anchors.fill: parent
 

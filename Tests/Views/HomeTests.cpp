@@ -3,6 +3,7 @@
 
 #include <QtCore/QTemporaryDir>
 #include <QtGui/QAccessible>
+#include <QtGui/QGuiApplication>
 #include <QtGui/QImage>
 #include <QtQuick/QQuickItem>
 #include <cstdlib>
@@ -43,6 +44,38 @@ void findNameless(QQuickItem& item, std::vector<std::string>& nameless, int& see
 
 const std::filesystem::path sample =
     std::filesystem::path(OMBREL_SOURCE_DIR) / "OmbrelRecord/Resources/sample";
+
+QQuickItem* labelled(QQuickItem& item, const QString& text) {
+    if (item.isVisible() && item.property("text").toString() == text) return &item;
+    for (QQuickItem* child : item.childItems())
+        if (QQuickItem* found = labelled(*child, text)) return found;
+    return nullptr;
+}
+
+TEST(Home, IsMirroredWithWhatPopsUpWhereTextRunsFromRightToLeft) {
+    const QTemporaryDir folder;
+    const auto media = makeMediaBackend();
+    std::vector<Snapshot::View> views = StillLife::views(*media, sample / "recording.mp4");
+    std::erase_if(views,
+                  [](const Snapshot::View& view) { return view.name != QStringLiteral("home-sources"); });
+    ASSERT_EQ(views.size(), 1u);
+    std::map<std::string, double> middles;
+    views[0].ready = [&, ready = views[0].ready](QQuickItem& item) {
+        if (ready && !ready(item)) return false;
+        QQuickItem* root = &item;
+        while (root->parentItem())
+            root = root->parentItem();
+        for (const char* text : {"Ombrel Record", "What to record"})
+            if (QQuickItem* label = labelled(*root, QString::fromLatin1(text)))
+                middles[text] = label->mapToScene(label->boundingRect().center()).x() / root->width();
+        return true;
+    };
+    QGuiApplication::setLayoutDirection(Qt::RightToLeft);
+    EXPECT_THAT(Snapshot::write(views, folder.path().toStdString()), testing::IsEmpty());
+    QGuiApplication::setLayoutDirection(Qt::LeftToRight);
+    EXPECT_GT(middles["Ombrel Record"], 0.5);
+    EXPECT_GT(middles["What to record"], 0.5);
+}
 
 TEST(Home, IsDrawnInEveryStateAndEverythingInItHasAName) {
     const QTemporaryDir folder;
