@@ -386,7 +386,7 @@ void OmbrelRecordApp::flowChanged() {
         panel = make(QStringLiteral("RecordingPanel"));
         if (!panel) return;
         panel->setPosition(place->topLeft());
-        shape(*panel, 0, 19);
+        shape(*panel, 0, 17);
         panel->show();
         return;
     }
