@@ -81,7 +81,7 @@ void print(const std::string& text) {
 
 void run(const Plan& options, const MediaBackend& media) {
     const LoadedRecording recording = loadForCommand(options.folder, std::nullopt, media);
-    const auto& [files, info, samples, log, project, notes] = recording;
+    const auto& [files, info, samples, log, project, notes, cameraBroken] = recording;
     const double aspect = Planner::viewportAspect(project, info);
     const RecordCore::Plan plan = recording.plan();
     if (options.frames) requireReasonableLength(plan, *options.frames);

@@ -2,6 +2,7 @@
 
 #include "RecordCore/Capture/RecordingJournal.h"
 #include "RecordCore/Model/ActivitySample.h"
+#include "RecordCore/Model/AtomicFile.h"
 #include "RecordCore/Model/RecordingError.h"
 #include "RecordCore/Model/RecordingFiles.h"
 
@@ -33,6 +34,16 @@ private:
     int file;
 };
 
+/// The film can do without its camera, but not with one that cannot be read.
+void setAside(const std::filesystem::path& camera) {
+    try {
+        static_cast<void>(keepBeside(camera));
+        std::filesystem::remove(camera);
+    } catch (const std::exception&) {
+        // It stays where it is, and whoever opens it says what is wrong with it.
+    }
+}
+
 } // namespace
 
 bool recoverRecording(const std::filesystem::path& folder, const MediaBackend& media,
@@ -49,9 +60,10 @@ bool recoverRecording(const std::filesystem::path& folder, const MediaBackend& m
     if (std::filesystem::exists(files.camera())) {
         try {
             media.recoverMovie(files.camera());
+            static_cast<void>(media.sourceInfo(files.camera())); // it may hold no picture yet
         } catch (const RecordingError& error) {
-            // The film can do without it.
             say(fmt::format("recover: {}", error.what()));
+            setAside(files.camera());
         }
     }
     if (!std::filesystem::exists(files.input())) contents.inputLog().save(files.input());

@@ -67,6 +67,15 @@ LoadedRecording LoadedRecording::load(const MediaBackend& media, const std::file
         }
     }
 
+    if (recording.project.cameraShow && present(recording.files.camera())) {
+        try {
+            static_cast<void>(media.sourceInfo(recording.files.camera()));
+        } catch (const RecordingError& error) {
+            recording.cameraBroken = true;
+            note(error.what(), "going on without the camera");
+        }
+    }
+
     bool haveActivity = false;
     if (present(recording.files.activity())) {
         try {
@@ -86,7 +95,7 @@ Plan LoadedRecording::plan() const {
 }
 
 std::optional<std::filesystem::path> LoadedRecording::camera() const {
-    return present(files.camera()) ? std::optional(files.camera()) : std::nullopt;
+    return !cameraBroken && present(files.camera()) ? std::optional(files.camera()) : std::nullopt;
 }
 
 void requireReasonableLength(const Plan& plan, double fps) {

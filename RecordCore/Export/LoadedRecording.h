@@ -25,6 +25,8 @@ struct LoadedRecording {
     Project project;
     /// What could not be read and is gone on without: one line each, naming the file and the cause.
     std::vector<std::string> notes;
+    /// There is a camera video that cannot be read.
+    bool cameraBroken = false;
 
     /// Reads a recording folder. A side file that is missing or broken is done without: activity is then
     /// computed from the video (only when the project's plan depends on it; `progress` hears of that, 0…1).
@@ -35,7 +37,7 @@ struct LoadedRecording {
     /// The plan of the project in the aspect of its format's window.
     Plan plan() const;
 
-    /// The camera video, when there is one.
+    /// The camera video, when there is one that can be read.
     std::optional<std::filesystem::path> camera() const;
 };
 

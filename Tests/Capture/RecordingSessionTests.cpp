@@ -1,4 +1,5 @@
 #include "RecordCore/Capture/CapturePicture.h"
+#include "RecordCore/Capture/RecordingRecovery.h"
 #include "RecordCore/Capture/RecordingSession.h"
 #include "RecordCore/Capture/WindowBounds.h"
 #include "RecordCore/Model/RecordingError.h"
@@ -105,4 +106,35 @@ TEST(RecordingSession, WhatFailsLeavesNothingBehind) {
             }
         }
     }
+}
+
+TEST(RecordingRecovery, ACameraWithoutAPictureDoesNotStandInTheWay) {
+    const RealMedia media;
+    const TemporaryFolder place;
+    const RecordingFiles files{place / "recording"};
+    const ScriptedScreen screen(ScriptedScreen::Fault::none);
+    {
+        RecordingSession::Setup setup;
+        setup.screen.source = DisplaySource{1};
+        RecordingSession session(files.folder, setup,
+                                 {{screen, nullptr, media, HostClock::system(), {}}, nullptr});
+        session.start();
+    } // not stopped: as a crash leaves it
+    {
+        // Its first fragment was still to come.
+        VideoSettings settings;
+        settings.width = settings.height = 64;
+        settings.bitrate = 100'000;
+        settings.realTime = true;
+        const auto encoder = media.makeVideoEncoder(settings, [](const Packet&) {});
+        const auto movie = media.createMovie(files.camera(), MovieLayout::recording);
+        movie->addTrack(encoder->description());
+        movie->begin();
+    }
+    ASSERT_TRUE(std::filesystem::exists(files.journal()));
+    EXPECT_TRUE(recoverRecording(files.folder, media, {}));
+    EXPECT_GT(media.sourceInfo(files.video()).duration, 0);
+    EXPECT_FALSE(std::filesystem::exists(files.camera()));
+    EXPECT_TRUE(std::filesystem::exists(files.folder / "camera (unreadable).mp4"));
+    EXPECT_FALSE(std::filesystem::exists(files.journal()));
 }

@@ -230,11 +230,12 @@ TEST_F(Commands, brokenSideFilesAreDoneWithout) {
     with("project.json", "{\"format\": 7}");
     with("activity.json", "[{]");
     with("input.json", R"({"cursor":[],"events":[{"t":1,"kind":"dance"}]})");
+    with("camera.mp4", "no movie");
     const Outcome outcome = program("export " + quoted(recording) + " -o " + quoted(film));
     EXPECT_EQ(outcome.status, 0) << outcome.err;
-    for (const char* name : {"project.json", "activity.json", "input.json"})
+    for (const char* name : {"project.json", "activity.json", "input.json", "camera.mp4"})
         EXPECT_NE(outcome.err.find((recording / name).string()), std::string::npos) << outcome.err;
-    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 3) << outcome.err;
+    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 4) << outcome.err;
     EXPECT_TRUE(fs::exists(film));
 }
 
