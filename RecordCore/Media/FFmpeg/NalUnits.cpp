@@ -67,7 +67,9 @@ std::vector<std::uint8_t> hevcRecord(Bytes sets) {
         plain.push_back(byte);
     }
     if (plain.size() < 15) return {};
-    std::vector<std::uint8_t> record{1};
+    std::vector<std::uint8_t> record;
+    record.reserve(64 + sets.size());
+    record.push_back(1);
     record.insert(record.end(), plain.begin() + 3, plain.begin() + 15);
     // No segmentation known, no parallelism told, 4:2:0, 8 bit, no rate, one nested layer, 4-byte lengths.
     record.insert(record.end(), {0xF0, 0x00, 0xFC, 0xFD, 0xF8, 0xF8, 0x00, 0x00, 0x0F, 3});
