@@ -178,6 +178,10 @@ private:
     TimelineLanes lanes() const; ///< there is an editor
     static TimelineLanes::Lane laneOf(Zone zone);
     std::optional<TimelineEditing::Held> blockAt(Zone lane, double x) const;
+    /// Seconds of a block that is added where there is none.
+    static double newLength(Zone lane);
+    /// "3:10", or "4.2 s" where whole seconds say too little.
+    static QString lengthText(double seconds);
     void add(Zone lane, const RecordCore::TimeRange& range);
     int trimAt(double x) const;
     std::optional<TimelineEditing::Grip> rangeEdgeAt(double x) const;
