@@ -320,9 +320,17 @@ TEST_F(EditorUse, EveryInteractiveItemHasANameAndATip) {
     EXPECT_TRUE(until([&] { return model().exportState() == State::working; }));
     turn();
     check("exporting");
+    // Put away, the sheet keeps what became of it until it is looked at.
+    auto* sheet = view->property("exportSheet").value<QObject*>();
+    QMetaObject::invokeMethod(sheet, "close");
+    EXPECT_TRUE(until([&] { return !sheet->property("visible").toBool(); }));
     gate.set_value();
     EXPECT_TRUE(until([&] { return model().exportState() == State::done; }));
     turn();
+    EXPECT_EQ(shown(QStringLiteral("export"))->property("text"), QStringLiteral("Your film is ready"));
+    QMetaObject::invokeMethod(sheet, "open");
+    EXPECT_TRUE(until([&] { return sheet->property("opened").toBool(); }));
+    EXPECT_EQ(shown(QStringLiteral("export"))->property("text"), QStringLiteral("Export"));
     check("exported");
     beforeExport = [] { throw RecordingError("film.mp4: no space left on device"); };
     ASSERT_NO_FATAL_FAILURE(press(QStringLiteral("Export more")));
@@ -330,7 +338,7 @@ TEST_F(EditorUse, EveryInteractiveItemHasANameAndATip) {
     EXPECT_TRUE(until([&] { return model().exportState() == State::failed; }));
     turn();
     check("a failed export");
-    QMetaObject::invokeMethod(view->property("exportSheet").value<QObject*>(), "close");
+    QMetaObject::invokeMethod(sheet, "close");
     QMetaObject::invokeMethod(view->property("shortcutsSheet").value<QObject*>(), "open");
     turn();
     check("the sheet of keys");
