@@ -1,5 +1,6 @@
 #include "OmbrelRecord/EditorModel/OpenedRecording.h"
 
+#include "OmbrelRecord/AppModel/Diag.h"
 #include "RecordCore/Export/LoadedRecording.h"
 #include "RecordCore/Model/RecordingError.h"
 
@@ -28,6 +29,14 @@ OpenedRecording OpenedRecording::open(const MediaBackend& media, const std::file
     recording.info = media.sourceInfo(video);
     if (!(recording.info.duration > 0))
         throw RecordingError(fmt::format("{}: the video has no length", video.string()));
+    if (present(recording.files.camera())) {
+        try {
+            static_cast<void>(media.sourceInfo(recording.files.camera()));
+        } catch (const RecordingError& error) {
+            recording.cameraBroken = true;
+            Diag::log(fmt::format("editor: {}; going on without the camera", error.what()));
+        }
+    }
     try {
         recording.samples = loadActivity(recording.files.activity());
         return recording;
@@ -46,7 +55,7 @@ OpenedRecording OpenedRecording::open(const MediaBackend& media, const std::file
 }
 
 std::optional<std::filesystem::path> OpenedRecording::camera() const {
-    return present(files.camera()) ? std::optional(files.camera()) : std::nullopt;
+    return !cameraBroken && present(files.camera()) ? std::optional(files.camera()) : std::nullopt;
 }
 
 std::string OpenedRecording::name() const {

@@ -21,15 +21,16 @@ struct OpenedRecording {
     RecordCore::SourceInfo info;
     std::vector<RecordCore::ActivitySample> samples;
     std::optional<RecordCore::InputLog> log;
+    bool cameraBroken = false; ///< there is a camera video that cannot be read
 
     /// Reads the video's facts and the activity beside it. Activity that is missing or broken is computed
     /// from the video, which takes as long as decoding it (`progress`, 0…1, on this thread), and kept for the
-    /// next time. Blocks; any thread. Throws RecordingError.
+    /// next time. A broken camera video is done without. Blocks; any thread. Throws RecordingError.
     static OpenedRecording open(const RecordCore::MediaBackend& media, const std::filesystem::path& video,
                                 std::optional<RecordCore::InputLog> log, const std::filesystem::path& folder,
                                 const std::function<void(double)>& progress = {});
 
-    /// The camera's video, when there is one.
+    /// The camera's video, when there is one that can be read.
     std::optional<std::filesystem::path> camera() const;
 
     /// What the recording is called: its folder's name, or the file's where that is a movie of its own.

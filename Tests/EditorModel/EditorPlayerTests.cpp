@@ -11,6 +11,7 @@
 #include <QtCore/QCoreApplication>
 #include <chrono>
 #include <cmath>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <thread>
 
@@ -86,6 +87,13 @@ protected:
     std::unique_ptr<EditorModel> model;
     PreviewPicture* picture = nullptr;
 };
+
+TEST_F(EditorPlayerTest, DoesWithoutACameraThatCannotBeRead) {
+    std::ofstream(recording.files.camera()) << "no movie";
+    recording = OpenedRecording::open(*media, recording.video, {}, folder.path());
+    EXPECT_EQ(recording.camera(), std::nullopt);
+    ASSERT_NO_FATAL_FAILURE(open());
+}
 
 TEST_F(EditorPlayerTest, ShowsTheFilmAndFollowsEdits) {
     open();
