@@ -6,6 +6,7 @@
 #include "OmbrelRecord/Entry/AppSession.h"
 #include "OmbrelRecord/Entry/Entry.h"
 #include "OmbrelRecord/Entry/Jobs.h"
+#include "OmbrelRecord/Entry/Tell.h"
 #include "OmbrelRecord/Icons/IconSet.h"
 
 #include <QtCore/QFile>
@@ -13,8 +14,6 @@
 #include <QtCore/QTimer>
 #include <QtGui/QGuiApplication>
 #include <csignal>
-#include <cstdio>
-#include <fmt/format.h>
 #include <malloc.h>
 #include <memory>
 #include <optional>
@@ -50,7 +49,7 @@ int Entry::headless(int argc, char** argv, const std::function<void()>& job) {
 
 int Jobs::application(int argc, char** argv, const std::filesystem::path& file) {
     if (const std::string missing = OmbrelRecordApp::missingDisplay(); !missing.empty()) {
-        fmt::print(stderr, "ombrel-record: {}\n", missing);
+        tell("{}", missing);
         return 1;
     }
     std::signal(SIGPIPE, SIG_IGN); // a connection that is cut is an error, not the end
@@ -74,8 +73,7 @@ int Jobs::application(int argc, char** argv, const std::filesystem::path& file) 
     session.windows().openMainWindow = [&windows] { windows.openMainWindow(); };
     QObject::connect(&instance, &SingleInstance::startedAgain, &windows, &OmbrelRecordApp::startedAgain);
     if (!windows.openMainWindow()) {
-        fmt::print(stderr, "ombrel-record: the window could not be opened; {} tells why\n",
-                   Diag::file().string());
+        tell("the window could not be opened; {} tells why", Diag::file().string());
         Diag::flush();
         return 1;
     }

@@ -193,7 +193,6 @@ QImage IconSet::draw(const QString& name, const QColor& color, const QSize& pixe
 QIcon IconSet::application() {
     loadIconResources();
     QIcon icon;
-    // Said to be PNG: to find that out, every reader of images that is installed would be loaded.
     for (const int size : {16, 24, 32, 48, 64, 128, 256})
         icon.addPixmap(QPixmap::fromImage(
             QImage(QStringLiteral(":/ombrel-record/application/%1.png").arg(size), "PNG")));
