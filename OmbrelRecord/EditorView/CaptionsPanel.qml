@@ -196,7 +196,8 @@ InspectorPanel {
                             onActiveFocusChanged: {
                                 if (!activeFocus) return;
                                 selectAll();
-                                root.editor.seek(root.editor.outputTime(entry.start));
+                                // A frame on, where the film shows the word as said.
+                                root.editor.seek(root.editor.outputTime(entry.start) + 1 / 60);
                             }
                             onEditingFinished: if (text !== given) root.editor.editCaption(at, text)
                             Keys.onEscapePressed: text = given

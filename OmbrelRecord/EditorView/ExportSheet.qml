@@ -190,7 +190,7 @@ T.Popup {
                 secondary: true
                 wrapMode: Text.WordWrap
                 text: root.chosen.length === 0 ? qsTr("Choose at least one format.")
-                    : qsTr("%1 long · at most %2, less where the picture stands still")
+                    : qsTr("%1 long · about %2, less where the picture stands still")
                         .arg(root.clock(root.editor.outputDuration))
                         .arg(root.sizeText(queue.expectedBytes(root.chosen, root.scale_, root.rate)))
             }

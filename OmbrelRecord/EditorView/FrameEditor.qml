@@ -61,6 +61,12 @@ FocusScope {
         if (edges.indexOf("b") >= 0) b = Math.min(1, Math.max(t + smallest, b + dy));
         return Qt.rect(l, t, r - l, b - t);
     }
+    /// Between two points of a drag.
+    function drawn(x, y, toX, toY) {
+        const within = v => Math.max(0, Math.min(1, v));
+        const l = within(Math.min(x, toX)), t = within(Math.min(y, toY));
+        return limited(l, t, within(Math.max(x, toX)) - l, within(Math.max(y, toY)) - t);
+    }
     function nudge(dx, dy, grow) {
         begun();
         edited(grow !== 0 ? (keepsShape ? resized(frame, "br", grow, grow)
@@ -133,22 +139,35 @@ FocusScope {
 
             property rect from
             property point at
+            /// A frame around everything cannot be moved: there a new one is drawn.
+            property bool draws: false
+            readonly property bool everything: !root.keepsShape && root.frame.width >= 1 && root.frame.height >= 1
 
             x: board.box.x
             y: board.box.y
             width: board.box.width
             height: board.box.height
-            cursorShape: pressed ? Qt.ClosedHandCursor : Qt.OpenHandCursor
+            cursorShape: pressed ? (draws ? Qt.CrossCursor : Qt.ClosedHandCursor)
+                                 : everything ? Qt.CrossCursor : Qt.OpenHandCursor
             preventStealing: true
             onPressed: event => {
                 root.forceActiveFocus(Qt.MouseFocusReason);
                 root.byKeys = false;
                 from = root.frame;
                 at = mapToItem(board, event.x, event.y);
+                draws = everything;
                 root.begun();
             }
             onPositionChanged: event => {
                 const now = mapToItem(board, event.x, event.y);
+                if (draws) {
+                    // A click that slips a little draws nothing.
+                    if (everything && Math.max(Math.abs(now.x - at.x), Math.abs(now.y - at.y)) < 12)
+                        return;
+                    root.edited(root.drawn(at.x / board.width, at.y / board.height,
+                                           now.x / board.width, now.y / board.height));
+                    return;
+                }
                 root.edited(root.limited(from.x + (now.x - at.x) / board.width, from.y + (now.y - at.y) / board.height,
                                          from.width, from.height));
             }

@@ -212,6 +212,39 @@ TEST_F(EditorUse, TheKeyboardAloneReachesEverything) {
     EXPECT_TRUE(view->property("aim").toString().isEmpty());
 }
 
+TEST_F(EditorUse, TheCropIsDrawnMovedAndResizedByHand) {
+    view->setProperty("panel", QStringLiteral("crop"));
+    view->setProperty("aim", QStringLiteral("crop"));
+    settle();
+    QQuickItem* still = nullptr;
+    walk(window.contentItem(), [&](QQuickItem* item) {
+        if (QByteArray(item->metaObject()->className()).contains("SourceStill")) still = item;
+    });
+    ASSERT_TRUE(still);
+    const auto point = [&](double x, double y) {
+        return still->mapToScene({x * still->width(), y * still->height()});
+    };
+    const auto expect = [&](const QRectF& frame, const char* what) {
+        ASSERT_TRUE(model().project().crop.has_value()) << what;
+        const RecordCore::NRect crop = *model().project().crop;
+        EXPECT_NEAR(crop.x, frame.x(), 0.01) << what;
+        EXPECT_NEAR(crop.y, frame.y(), 0.01) << what;
+        EXPECT_NEAR(crop.w, frame.width(), 0.01) << what;
+        EXPECT_NEAR(crop.h, frame.height(), 0.01) << what;
+    };
+    drag(point(0.5, 0.5), point(0.51, 0.505));
+    EXPECT_FALSE(model().project().crop.has_value()) << "a click that slips is no frame";
+    drag(point(0.6, 0.7), point(0.2, 0.3));
+    expect({0.2, 0.3, 0.4, 0.4}, "drawn, upwards");
+    drag(point(0.3, 0.4), point(0.4, 0.3));
+    expect({0.3, 0.2, 0.4, 0.4}, "moved");
+    drag(point(0.7, 0.6), point(0.9, 0.8));
+    expect({0.3, 0.2, 0.6, 0.6}, "by its corner");
+    key(Qt::Key_Z, Qt::ControlModifier);
+    key(Qt::Key_Z, Qt::ControlModifier);
+    expect({0.2, 0.3, 0.4, 0.4}, "a drag is one step");
+}
+
 TEST_F(EditorUse, LooksAreChosenKeptRenamedAndDeleted) {
     const QTemporaryDir settings;
     const QByteArray before = qgetenv("XDG_CONFIG_HOME");

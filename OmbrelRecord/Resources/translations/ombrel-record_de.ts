@@ -848,8 +848,8 @@
         <translation>Wählen Sie mindestens ein Format.</translation>
     </message>
     <message>
-        <source>%1 long · at most %2, less where the picture stands still</source>
-        <translation>%1 lang · höchstens %2, weniger, wo das Bild stillsteht</translation>
+        <source>%1 long · about %2, less where the picture stands still</source>
+        <translation>%1 lang · etwa %2, weniger, wo das Bild stillsteht</translation>
     </message>
     <message>
         <source>Exporting %1</source>
