@@ -5,6 +5,7 @@
 
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QFile>
+#include <QtGui/QColor>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QImage>
 #include <QtQml/QQmlComponent>
@@ -12,6 +13,7 @@
 #include <QtQml/QQmlProperty>
 #include <QtQuick/QQuickItem>
 #include <QtQuick/QQuickWindow>
+#include <algorithm>
 #include <memory>
 #include <system_error>
 
@@ -27,6 +29,31 @@ void turn(int milliseconds) {
     while (clock.elapsed() < milliseconds);
 }
 
+/// What stands in the window, and how much of it is there: windows off screen have no alpha of their own, so what
+/// is see-through is told from the difference between a black ground and a white one.
+QImage grabbed(QQuickWindow& window) {
+    const auto on = [&window](const QColor& ground) {
+        window.setColor(ground);
+        return window.grabWindow().convertToFormat(QImage::Format_RGB32);
+    };
+    QImage black = on(Qt::black);
+    const QImage white = on(Qt::white);
+    // A view that fills its window fills its corner.
+    if (black.isNull() || white.size() != black.size() || white.pixel(0, 0) == black.pixel(0, 0)) return black;
+    QImage image(black.size(), QImage::Format_ARGB32_Premultiplied);
+    for (int y = 0; y < image.height(); ++y) {
+        const auto* dark = reinterpret_cast<const QRgb*>(black.constScanLine(y));
+        const auto* light = reinterpret_cast<const QRgb*>(white.constScanLine(y));
+        auto* to = reinterpret_cast<QRgb*>(image.scanLine(y));
+        for (int x = 0; x < image.width(); ++x) {
+            const int alpha = std::clamp(255 - qGreen(light[x]) + qGreen(dark[x]), 0, 255);
+            const auto part = [alpha](int value) { return std::min(value, alpha); };
+            to[x] = qRgba(part(qRed(dark[x])), part(qGreen(dark[x])), part(qBlue(dark[x])), alpha);
+        }
+    }
+    return image;
+}
+
 std::string picture(QQmlEngine& engine, const Snapshot::View& view, const QString& file) {
     QQmlComponent component(&engine, OmbrelRecordApp::view(view.type));
     std::unique_ptr<QObject> object(component.createWithInitialProperties(view.properties));
@@ -34,7 +61,6 @@ std::string picture(QQmlEngine& engine, const Snapshot::View& view, const QStrin
     if (!item) return view.name.toStdString() + ": " + component.errorString().toStdString();
 
     QQuickWindow window;
-    window.setColor(Qt::transparent);
     window.resize(view.size);
     // As the main window mirrors itself where text runs from right to left (-reverse), what pops up in it,
     // too.
@@ -54,7 +80,7 @@ std::string picture(QQmlEngine& engine, const Snapshot::View& view, const QStrin
         turn(300);
         ready = !view.ready || view.ready(*item);
     } while (!ready && clock.elapsed() < 60000);
-    const QImage image = window.grabWindow();
+    const QImage image = grabbed(window);
     item->setParentItem(nullptr);
     if (image.isNull() || !image.save(file, "PNG"))
         return view.name.toStdString() + ": cannot write " + file.toStdString();
