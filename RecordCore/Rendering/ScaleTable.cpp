@@ -67,7 +67,7 @@ void ScaleTable::make(double a, double b, int size, int begin, int end) {
 
     firstOutput = begin;
     tapCount = span;
-    padded = (span + 7) / 8 * 8;
+    padded = span <= 4 ? 4 : (span + 7) / 8 * 8;
     const std::size_t count = static_cast<std::size_t>((std::max(end - begin, 0) + 7) / 8 * 8);
     first.resize(count);
     values.assign(count * static_cast<std::size_t>(padded), 0);
@@ -111,16 +111,18 @@ void ScaleTable::make(double a, double b, int size, int begin, int end) {
         out[largest] = static_cast<std::int16_t>(out[largest] + unit - total);
     }
 
-    // Outputs i and i + 4 of a group of eight side by side, eight taps at a time.
+    // In the order of the column kernel, eight taps at a time.
+    constexpr std::array<std::size_t, 8> ofEight{0, 4, 1, 5, 2, 6, 3, 7};
+    constexpr std::array<std::size_t, 8> ofFour{0, 2, 4, 6, 1, 3, 5, 7};
+    const auto& order = padded == 4 ? ofFour : ofEight;
+    const int together = std::min(padded, 8);
     grouped.resize(values.size());
     std::int16_t* to = grouped.data();
     for (std::size_t group = 0; group < count; group += 8)
-        for (int tap = 0; tap < padded; tap += 8)
-            for (std::size_t i = 0; i < 4; ++i)
-                for (const std::size_t output : {group + i, group + i + 4}) {
-                    std::copy_n(values.data() + output * static_cast<std::size_t>(padded) + tap, 8, to);
-                    to += 8;
-                }
+        for (int tap = 0; tap < padded; tap += together)
+            for (const std::size_t output : order)
+                to = std::copy_n(values.data() + (group + output) * static_cast<std::size_t>(padded) + tap,
+                                 together, to);
 }
 
 ScaleTable::Span ScaleTable::inputs(int from, int to) const {

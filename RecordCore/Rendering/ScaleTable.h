@@ -22,7 +22,7 @@ public:
     int begin() const { return firstOutput; }
     int end() const { return firstOutput + static_cast<int>(first.size()); }
     int taps() const { return tapCount; }
-    /// Taps rounded up for vector loads; the weights beyond `taps` are 0.
+    /// Taps rounded up for vector loads, to 4 or a multiple of 8; the weights beyond `taps` are 0.
     int paddedTaps() const { return padded; }
 
     int start(int output) const { return first[static_cast<std::size_t>(output - firstOutput)]; }

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <vector>
 
@@ -69,20 +70,24 @@ TEST_F(KernelsTest, weighsRows) {
 
 TEST_F(KernelsTest, weighsColumns) {
     for (const int count : {8, 16, 40, 256})
-        for (const int padded : {8, 16, 24}) {
+        for (const int padded : {4, 8, 16, 24}) {
             std::vector<std::int16_t> in(600);
             for (std::int16_t& sample : in)
                 sample = static_cast<std::int16_t>(random.below(22000) - 2000);
             std::vector<std::int32_t> starts;
             std::vector<std::int16_t> weights(static_cast<std::size_t>(count * padded));
             std::vector<double> expected;
-            constexpr int order[] = {0, 2, 4, 6, 1, 3, 5, 7}; // where an output's weights stand in its group
+            // Where an output's weights stand in its group.
+            const std::array<int, 8> order =
+                padded == 4 ? std::array{0, 4, 1, 5, 2, 6, 3, 7} : std::array{0, 2, 4, 6, 1, 3, 5, 7};
+            const int together = std::min(padded, 8);
             for (int x = 0; x < count; ++x) {
                 starts.push_back(random.below(500));
                 double sum = 0;
                 for (int t = 0; t < padded; ++t) {
                     const auto weight = static_cast<std::int16_t>(random.below(6000) - 1500);
-                    const int place = x / 8 * 8 * padded + t / 8 * 64 + order[x % 8] * 8 + t % 8;
+                    const int place = x / 8 * 8 * padded + t / 8 * 64 +
+                                      order[static_cast<std::size_t>(x % 8)] * together + t % 8;
                     weights[static_cast<std::size_t>(place)] = weight;
                     sum += static_cast<double>(in[static_cast<std::size_t>(starts.back() + t)]) * weight;
                 }

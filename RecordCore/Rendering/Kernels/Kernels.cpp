@@ -82,8 +82,8 @@ void weighColumns(const std::int16_t* HWY_RESTRICT in, const std::int32_t* HWY_R
                   const std::int16_t* HWY_RESTRICT weights, int padded, std::uint8_t* HWY_RESTRICT out,
                   int count) {
     for (int x = 0; x < count; ++x) {
-        const std::int16_t* w =
-            weights + static_cast<std::ptrdiff_t>(x / 8) * 8 * padded + x % 4 * 16 + x % 8 / 4 * 8;
+        const int place = padded == 4 ? x % 2 * 16 + x % 8 / 2 * 4 : x % 4 * 16 + x % 8 / 4 * 8;
+        const std::int16_t* w = weights + static_cast<std::ptrdiff_t>(x / 8) * 8 * padded + place;
         std::int32_t sum = 1 << 19;
         for (int t = 0; t < padded; ++t)
             sum += in[starts[x] + t] * w[t / 8 * 64 + t % 8];
@@ -105,9 +105,64 @@ HWY_INLINE V laneSums(D32 d32, V a, V b, V c, V e) {
     return hn::Add(hn::BitCast(d32, low), hn::BitCast(d32, high));
 }
 
+/// The products of two outputs' four taps in each block of 128 bits, added in pairs.
+template <class D32, class V16>
+HWY_INLINE hn::Vec<D32> pairSums(D32 d32, V16 samples, V16 weights) {
+    auto rest = hn::Zero(d32);
+    const auto sum = hn::ReorderWidenMulAccumulate(d32, samples, weights, hn::Zero(d32), rest);
+    return hn::RearrangeToOddPlusEven(sum, rest);
+}
+
+/// From the pairs of the outputs 0, 2 and 1, 3 the sums of the outputs 0 to 3, within each block of 128 bits.
+template <class D32, class V = hn::Vec<D32>>
+HWY_INLINE V inOrder(D32 d32, V even, V odd) {
+    const hn::Repartition<std::int64_t, D32> d64;
+    const auto low = hn::BitCast(d64, hn::InterleaveLower(d32, even, odd));
+    const auto high = hn::BitCast(d64, hn::InterleaveUpper(d32, even, odd));
+    return hn::Add(hn::BitCast(d32, hn::InterleaveLower(d64, low, high)),
+                   hn::BitCast(d32, hn::InterleaveUpper(d64, low, high)));
+}
+
+/// Of four taps, as where a picture is enlarged: two outputs to a block.
+void weighFourColumns(const std::int16_t* HWY_RESTRICT in, const std::int32_t* HWY_RESTRICT starts,
+                      const std::int16_t* HWY_RESTRICT weights, std::uint8_t* HWY_RESTRICT out, int count) {
+    const hn::FixedTag<std::uint8_t, 8> d8;
+    const hn::FixedTag<std::int16_t, 8> half;
+    const hn::FixedTag<std::int16_t, 4> quarter;
+    for (int x = 0; x < count; x += 8, starts += 8, weights += 32) {
+        const auto two = [&](int i, int j) HWY_ATTR {
+            return hn::Combine(half, hn::LoadU(quarter, in + starts[j]), hn::LoadU(quarter, in + starts[i]));
+        };
+#if HWY_MAX_BYTES >= 32 && !HWY_HAVE_SCALABLE
+        const hn::FixedTag<std::int16_t, 16> d16;
+        const hn::FixedTag<std::int32_t, 8> d32;
+        const auto even = hn::Combine(d16, two(4, 6), two(0, 2));
+        const auto odd = hn::Combine(d16, two(5, 7), two(1, 3));
+        const auto sums = inOrder(d32, pairSums(d32, even, hn::LoadU(d16, weights)),
+                                  pairSums(d32, odd, hn::LoadU(d16, weights + 16)));
+        const auto all = hn::DemoteTo(half, hn::ShiftRight<20>(hn::Add(sums, hn::Set(d32, 1 << 19))));
+#else
+        const hn::FixedTag<std::int32_t, 4> d32;
+        const auto four = [&](int first) HWY_ATTR {
+            const auto sums =
+                inOrder(d32, pairSums(d32, two(first, first + 2), hn::LoadU(half, weights + first * 2)),
+                        pairSums(d32, two(first + 1, first + 3), hn::LoadU(half, weights + 16 + first * 2)));
+            return hn::DemoteTo(quarter, hn::ShiftRight<20>(hn::Add(sums, hn::Set(d32, 1 << 19))));
+        };
+        const auto low = four(0);
+        const auto all = hn::Combine(half, four(4), low);
+#endif
+        hn::StoreU(hn::DemoteTo(d8, all), d8, out + x);
+    }
+}
+
 void weighColumns(const std::int16_t* HWY_RESTRICT in, const std::int32_t* HWY_RESTRICT starts,
                   const std::int16_t* HWY_RESTRICT weights, int padded, std::uint8_t* HWY_RESTRICT out,
                   int count) {
+    if (padded == 4) {
+        weighFourColumns(in, starts, weights, out, count);
+        return;
+    }
     const hn::FixedTag<std::int16_t, 8> half;
     const hn::FixedTag<std::uint8_t, 8> d8;
     for (int x = 0; x < count; x += 8, starts += 8) {

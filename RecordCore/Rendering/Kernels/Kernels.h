@@ -17,9 +17,10 @@ void weighRows(const std::uint8_t* const* rows, const std::int16_t* weights, int
                int count);
 
 /// Weighs samples within a row: out[i] = Σ in[starts[i] + t] × weight of tap t / (16384 × 64), limited to
-/// 0…255. `count` and `padded`, the number of taps, are multiples of 8. Weights are grouped: for each eight
-/// outputs, for each eight taps, those of the outputs 0, 4, 1, 5, 2, 6, 3, 7. `in` must be readable `padded`
-/// samples beyond the last start.
+/// 0…255. `count` is a multiple of 8; `padded`, the number of taps, is 4 or a multiple of 8. Weights are
+/// grouped: for each eight outputs, for each eight taps, those of the outputs 0, 4, 1, 5, 2, 6, 3, 7; of four
+/// taps, those of the outputs 0, 2, 4, 6, 1, 3, 5, 7. `in` must be readable `padded` samples beyond the last
+/// start.
 void weighColumns(const std::int16_t* in, const std::int32_t* starts, const std::int16_t* weights, int padded,
                   std::uint8_t* out, int count);
 
