@@ -29,8 +29,8 @@ void turn(int milliseconds) {
     while (clock.elapsed() < milliseconds);
 }
 
-/// What stands in the window, and how much of it is there: windows off screen have no alpha of their own, so what
-/// is see-through is told from the difference between a black ground and a white one.
+/// What stands in the window, and how much of it is there: windows off screen have no alpha of their own, so
+/// what is see-through is told from the difference between a black ground and a white one.
 QImage grabbed(QQuickWindow& window) {
     const auto on = [&window](const QColor& ground) {
         window.setColor(ground);
@@ -39,7 +39,8 @@ QImage grabbed(QQuickWindow& window) {
     QImage black = on(Qt::black);
     const QImage white = on(Qt::white);
     // A view that fills its window fills its corner.
-    if (black.isNull() || white.size() != black.size() || white.pixel(0, 0) == black.pixel(0, 0)) return black;
+    if (black.isNull() || white.size() != black.size() || white.pixel(0, 0) == black.pixel(0, 0))
+        return black;
     QImage image(black.size(), QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < image.height(); ++y) {
         const auto* dark = reinterpret_cast<const QRgb*>(black.constScanLine(y));

@@ -55,8 +55,8 @@ public:
     Q_INVOKABLE void copy();
     Q_INVOKABLE QUrl url(int film) const;
 
-    /// Bytes that films of these formats take where something moves all the time, as long as the film is now: what
-    /// is aimed at, and kept to a few hundredths.
+    /// Bytes that films of these formats take where something moves all the time, as long as the film is now:
+    /// what is aimed at, and kept to a few hundredths.
     Q_INVOKABLE double expectedBytes(const QStringList& formats, double scale, double fps) const;
 
     static QString adviceFor(const QString& failure);

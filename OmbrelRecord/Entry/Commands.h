@@ -43,7 +43,7 @@ struct Export {
     std::optional<std::int64_t> bitrate;
     bool watermark = false;
     bool software = false; ///< use no hardware encoder
-    bool json = false; ///< print the statistics as JSON
+    bool json = false;     ///< print the statistics as JSON
     std::filesystem::path output;
 };
 void run(const Export& options, const RecordCore::MediaBackend& media);

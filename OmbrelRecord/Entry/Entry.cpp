@@ -34,8 +34,9 @@ private:
     char** end;
 };
 
-/// From this size on a block is the system's again as soon as it is freed. Left alone, the library raises this
-/// bound with every larger block that is freed, and what was needed to load an hour stays for the whole export.
+/// From this size on a block is the system's again as soon as it is freed. Left alone, the library raises
+/// this bound with every larger block that is freed, and what was needed to load an hour stays for the whole
+/// export.
 constexpr int returnedAtOnce = 1 << 20; // bytes
 
 } // namespace

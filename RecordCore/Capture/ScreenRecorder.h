@@ -65,8 +65,8 @@ public:
     /// is left behind then.
     void start(const std::filesystem::path& file, RecordingJournal* journal = nullptr);
 
-    /// The picture stays as it is until `stop`: what comes on the screen from now on is not recorded any more.
-    /// Returns at once; any thread, after `start`.
+    /// The picture stays as it is until `stop`: what comes on the screen from now on is not recorded any
+    /// more. Returns at once; any thread, after `start`.
     void hold() { held = true; }
 
     /// Ends the capture and finishes the file. Throws RecordingError "no frames were captured" (no file is

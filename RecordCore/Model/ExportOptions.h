@@ -17,7 +17,7 @@ struct ExportOptions {
     double scale = 1;                    ///< factor on the canvas size
     std::optional<std::int64_t> bitrate; ///< video bits per second; absent: chosen by size and rate
     bool watermark = false;
-    bool hardware = true; ///< let a hardware encoder make the film where one opens
+    bool hardware = true;                        ///< let a hardware encoder make the film where one opens
     std::optional<std::filesystem::path> camera; ///< the camera video to put in the bubble
 
     OutputFormat format() const { return project.outputFormat(); }

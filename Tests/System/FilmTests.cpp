@@ -380,8 +380,8 @@ TEST(Film, IsAsGoodAsThePlainEncoderAtItsSize) {
         double atLeast; ///< dB
     } cases[] = {
         {false, -0.1},
-        // Where everything moves all the time the plain encoder gains 0.7 dB by its B frames, which rule out free
-        // stills: measured without them the film is 0.3 dB better than it.
+        // Where everything moves all the time the plain encoder gains 0.7 dB by its B frames, which rule out
+        // free stills: measured without them the film is 0.3 dB better than it.
         {true, -0.55},
     };
     for (const auto& c : cases) {
