@@ -205,10 +205,11 @@ void ScreenRecorder::encodeNext() {
     if (!still || services.clock.now() < idle) return;
     const std::int64_t pts = std::max(ticks(idle), lastPts + 1);
     // A picture that stays is worth a second look by the encoder; after that it is only repeated.
+    const PlanarView shown = queue->current()->picture.view();
     if (refined)
-        encoder->repeat(pts);
+        encoder->repeat(shown, pts);
     else
-        encoder->encode(queue->current()->picture.view(), pts);
+        encoder->encode(shown, pts);
     refined = true;
     stillWritten = true;
     lastPts = pts;

@@ -29,8 +29,8 @@ public:
     void encode(const PlanarView& picture, std::int64_t pts, const FrameHints& hints) override {
         watch([&] { encoder->encode(picture, pts, hints); });
     }
-    void repeat(std::int64_t pts) override {
-        watch([&] { encoder->repeat(pts); });
+    void repeat(const PlanarView& picture, std::int64_t pts) override {
+        watch([&] { encoder->repeat(picture, pts); });
     }
     void finish(std::int64_t endPts) override {
         watch([&] { encoder->finish(endPts); });

@@ -53,7 +53,7 @@ void FrameRenderer::append() {
     const double seconds = static_cast<double>(index) / parts.fps;
     const Picture& picture = composeFrame(parts.scene, parts.canvas, parts.source, parts.camera, seconds);
     if (index > begin && !parts.canvas.changed()) {
-        parts.encoder.repeat(index);
+        parts.encoder.repeat(picture.view(), index);
         ++repeated;
     } else {
         FrameHints hints;

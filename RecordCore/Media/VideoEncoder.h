@@ -97,8 +97,8 @@ public:
     /// frame's packet is delivered before the call returns, with duration 0 (see MovieWriter::setEnd).
     virtual void encode(const PlanarView& picture, std::int64_t pts, const FrameHints& hints = {}) = 0;
 
-    /// A frame that equals the one before, to the pixel.
-    virtual void repeat(std::int64_t pts) = 0;
+    /// A frame that equals the one before, to the pixel; `picture` is that one, still there.
+    virtual void repeat(const PlanarView& picture, std::int64_t pts) = 0;
 
     /// Delivers what is still held back. `endPts` is where the last frame's time ends.
     virtual void finish(std::int64_t endPts) = 0;

@@ -37,7 +37,7 @@ public:
         }
         if (kind != Encoder::holdsBack) sink({{}, pts, pts, 0, true});
     }
-    void repeat(std::int64_t) override {}
+    void repeat(const PlanarView&, std::int64_t) override {}
     void finish(std::int64_t) override {}
 
 private:

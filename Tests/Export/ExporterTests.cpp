@@ -33,9 +33,9 @@ public:
         onFrame();
         encoder->encode(picture, pts, hints);
     }
-    void repeat(std::int64_t pts) override {
+    void repeat(const PlanarView& picture, std::int64_t pts) override {
         onFrame();
-        encoder->repeat(pts);
+        encoder->repeat(picture, pts);
     }
     void finish(std::int64_t endPts) override { encoder->finish(endPts); }
     bool makesParts() const override { return encoder->makesParts(); }

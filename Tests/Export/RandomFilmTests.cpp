@@ -266,7 +266,10 @@ public:
         if (!hints.changedBlocks.empty()) judgeBlocks(before, hints.changedBlocks, pts);
         judge(pts);
     }
-    void repeat(std::int64_t pts) override { judge(pts); }
+    void repeat(const PlanarView& picture, std::int64_t pts) override {
+        shown = Picture(picture);
+        judge(pts);
+    }
     void finish(std::int64_t endPts) override { EXPECT_EQ(endPts, next); }
     bool makesParts() const override { return true; }
 

@@ -45,15 +45,16 @@ Prints encodeAndDecode(const std::filesystem::path& file, const VideoSettings& w
     Drawing drawing;
     std::vector<std::uint8_t> changed(std::size_t{width / 16} * (height / 16));
     std::vector<std::uint8_t> before;
+    PlanarView view;
     int number = 0;
     const auto scale = wanted.timeBase.den / 60;
     for (std::size_t i = 0; i < repeats.size(); ++i) {
         const auto pts = static_cast<std::int64_t>(i) * scale;
         if (repeats[i]) {
-            movie.video->repeat(pts);
+            movie.video->repeat(view, pts);
             continue;
         }
-        const PlanarView view = drawing.frame(++number);
+        view = drawing.frame(++number);
         std::vector<std::uint8_t> luma(view.planes[0], view.planes[0] + width * height);
         for (int block = 0; !before.empty() && block < width / 16 * (height / 16); ++block) {
             const int left = block % (width / 16) * 16;

@@ -100,7 +100,7 @@ void makeRecording(const std::filesystem::path& file, double seconds,
     const PlanarView view{{luma, luma + 64 * 48, luma + 64 * 48 * 5 / 4}, {64, 32, 32}, 64, 48};
     const auto milliseconds = std::llround(seconds * 1000);
     video->encode(view, 0);
-    video->repeat(milliseconds / 2);
+    video->repeat(view, milliseconds / 2);
     video->finish(milliseconds);
     movie->setEnd(picture, milliseconds);
     if (encoder) {

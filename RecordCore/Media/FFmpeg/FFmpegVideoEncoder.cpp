@@ -172,7 +172,7 @@ void FFmpegVideoEncoder::encode(const PlanarView& picture, std::int64_t pts, con
     send(last.get());
 }
 
-void FFmpegVideoEncoder::repeat(std::int64_t pts) {
+void FFmpegVideoEncoder::repeat(const PlanarView&, std::int64_t pts) {
     if (!last) throw RecordingError("there is no frame to repeat");
     if (pts <= *lastPts) throw RecordingError("frame times do not rise");
     last->pict_type = AV_PICTURE_TYPE_NONE;

@@ -18,7 +18,8 @@ public:
     const StreamDescription& description() const override { return stream; }
     std::string name() const override { return label; }
     void encode(const PlanarView& picture, std::int64_t pts, const FrameHints& hints) override;
-    void repeat(std::int64_t pts) override;
+    /// What was sent last is sent again: it may be in the hardware already.
+    void repeat(const PlanarView& picture, std::int64_t pts) override;
     void finish(std::int64_t endPts) override;
 
 private:

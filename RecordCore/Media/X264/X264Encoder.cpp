@@ -10,7 +10,6 @@
 #include <array>
 #include <cmath>
 #include <cstdarg>
-#include <cstring>
 #include <deque>
 #include <optional>
 #include <span>
@@ -45,7 +44,7 @@ public:
     const StreamDescription& description() const override { return stream; }
     std::string name() const override { return "libx264 " + preset; }
     void encode(const PlanarView& picture, std::int64_t pts, const FrameHints& hints) override;
-    void repeat(std::int64_t pts) override;
+    void repeat(const PlanarView& picture, std::int64_t pts) override;
     void finish(std::int64_t endPts) override;
     bool makesParts() const override { return rate && stills && inOrder; }
     EncodingTally tally() const override { return rate ? rate->tally() : EncodingTally{}; }
@@ -64,8 +63,6 @@ private:
     void describe();
     void takeTime(std::int64_t pts);
     bool keyIsDue(std::int64_t pts) const;
-    void keep(const PlanarView& picture, std::span<const std::uint8_t> changedBlocks);
-    PlanarView keptView() const;
     void send(const PlanarView& picture, std::int64_t pts, bool key, bool still,
               std::span<const std::uint8_t> changedBlocks);
     void receive(x264_nal_t* units, int count, int size, const x264_picture_t& out);
@@ -80,9 +77,7 @@ private:
     std::optional<StillPictures> stills;
     bool inOrder = false; ///< packets leave in order of time
 
-    int columns = 0, rows = 0;      ///< macroblocks
-    std::vector<std::uint8_t> kept; ///< the picture sent last, planes one after the other
-    bool hasKept = false;
+    int columns = 0, rows = 0; ///< macroblocks
     /// Block flags that x264 may still read; one more than it can hold frames back.
     std::vector<std::vector<std::uint8_t>> blockFlags;
     std::size_t nextFlags = 0;
@@ -257,45 +252,6 @@ bool Encoder::keyIsDue(std::int64_t pts) const {
     return rate && sinceKey >= settings.keyInterval;
 }
 
-/// A copy of the picture is needed to send it again; only rows of blocks that changed are copied.
-void Encoder::keep(const PlanarView& picture, std::span<const std::uint8_t> changedBlocks) {
-    if (settings.realTime && stills) return;
-    const auto luma = static_cast<std::size_t>(settings.width) * static_cast<std::size_t>(settings.height);
-    kept.resize(luma + luma / 2);
-    std::uint8_t* to = kept.data();
-    for (int plane = 0; plane < 3; ++plane) {
-        const auto index = static_cast<std::size_t>(plane);
-        const int width = picture.planeWidth(plane);
-        const int height = picture.planeHeight(plane);
-        const int side = plane == 0 ? blockSide : blockSide / 2;
-        for (int top = 0, row = 0; top < height; top += side, ++row) {
-            const bool unchanged = hasKept && !changedBlocks.empty() &&
-                                   std::all_of(changedBlocks.begin() + std::ptrdiff_t{row} * columns,
-                                               changedBlocks.begin() + std::ptrdiff_t{row + 1} * columns,
-                                               [](std::uint8_t changed) { return changed == 0; });
-            for (int y = top; !unchanged && y < std::min(top + side, height); ++y)
-                std::memcpy(to + std::ptrdiff_t{y} * width,
-                            picture.planes[index] + y * picture.strides[index],
-                            static_cast<std::size_t>(width));
-        }
-        to += std::ptrdiff_t{width} * height;
-    }
-    hasKept = true;
-}
-
-PlanarView Encoder::keptView() const {
-    PlanarView view;
-    view.width = settings.width;
-    view.height = settings.height;
-    const std::uint8_t* from = kept.data();
-    for (int plane = 0; plane < 3; ++plane) {
-        view.planes[static_cast<std::size_t>(plane)] = from;
-        view.strides[static_cast<std::size_t>(plane)] = view.planeWidth(plane);
-        from += std::ptrdiff_t{view.planeWidth(plane)} * view.planeHeight(plane);
-    }
-    return view;
-}
-
 void Encoder::encode(const PlanarView& picture, std::int64_t pts, const FrameHints& hints) {
     if (picture.width != settings.width || picture.height != settings.height)
         throw RecordingError(fmt::format("a frame measures {} × {} instead of {} × {}", picture.width,
@@ -308,22 +264,21 @@ void Encoder::encode(const PlanarView& picture, std::int64_t pts, const FrameHin
                            [](std::uint8_t changed) { return changed == 0; });
     };
     if (started && stills && !hints.keyFrame && !hints.changedBlocks.empty() && isStill()) {
-        repeat(pts);
+        repeat(picture, pts);
         return;
     }
     takeTime(pts);
-    keep(picture, hints.changedBlocks);
     sinceChange = 0;
     keyInStill = false;
     send(picture, pts, hints.keyFrame || keyIsDue(pts), false, hints.changedBlocks);
 }
 
-void Encoder::repeat(std::int64_t pts) {
+void Encoder::repeat(const PlanarView& picture, std::int64_t pts) {
     if (!started) throw RecordingError("there is no frame to repeat");
     takeTime(pts);
     ++sinceChange;
     if (!stills) {
-        send(keptView(), pts, keyIsDue(pts), true, {});
+        send(picture, pts, keyIsDue(pts), true, {});
         return;
     }
     if (!settings.realTime) {
@@ -331,7 +286,7 @@ void Encoder::repeat(std::int64_t pts) {
         // A key frame in a still is as fine as a refinement.
         const bool refine = sinceChange == framesUntilRefined && !keyInStill;
         if (key || refine) {
-            send(keptView(), pts, key, true, {});
+            send(picture, pts, key, true, {});
             keyInStill = keyInStill || key;
             return;
         }
